@@ -1,0 +1,46 @@
+# Front door for building, testing and running the library. See README.md.
+JOBS     ?= $(shell nproc 2>/dev/null || echo 2)
+WERROR   ?= OFF
+CXX      ?= c++
+BUILDDIR ?= build
+
+CMAKE_CONFIGURE = cmake -S . -DCMAKE_CXX_COMPILER=$(CXX) -DZR_WERROR=$(WERROR)
+
+.PHONY: test demo sanitize bench test-clang format clean check-tools
+
+# Stops with the apt-get line that installs a missing tool.
+check-tools:
+	@command -v cmake >/dev/null 2>&1 || { echo "cmake not found: apt-get install cmake"; exit 1; }
+	@command -v $(CXX) >/dev/null 2>&1 || { echo "$(CXX) not found: apt-get install g++"; exit 1; }
+
+test: check-tools
+	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/debug -DCMAKE_BUILD_TYPE=Debug
+	cmake --build $(BUILDDIR)/debug -j $(JOBS)
+	ctest --test-dir $(BUILDDIR)/debug --output-on-failure -j $(JOBS)
+
+demo: check-tools
+	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/release -DCMAKE_BUILD_TYPE=Release -DZR_BUILD_TESTS=OFF
+	cmake --build $(BUILDDIR)/release -j $(JOBS) --target zr_demo
+	$(BUILDDIR)/release/examples/zr_demo
+
+sanitize: check-tools
+	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/sanitize -DCMAKE_BUILD_TYPE=Debug -DZR_SANITIZE=ON
+	cmake --build $(BUILDDIR)/sanitize -j $(JOBS)
+	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --test-dir $(BUILDDIR)/sanitize --output-on-failure -j $(JOBS)
+
+test-clang:
+	@command -v clang++ >/dev/null 2>&1 || { echo "clang++ not found: apt-get install clang"; exit 1; }
+	$(MAKE) test CXX=clang++ BUILDDIR=$(BUILDDIR)/clang
+
+bench: check-tools
+	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/bench -DCMAKE_BUILD_TYPE=Release -DZR_BUILD_TESTS=OFF \
+	  -DZR_BUILD_EXAMPLES=OFF -DZR_BUILD_BENCH=ON
+	cmake --build $(BUILDDIR)/bench -j $(JOBS)
+	$(BUILDDIR)/bench/bench/zrcommon920r_bench
+
+format:
+	git ls-files '*.h' '*.cpp' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILDDIR)

@@ -1,0 +1,10 @@
+// Umbrella header: every public header of the library.
+#ifndef ZRCOMMON920R_ZRCOMMON920R_H
+#define ZRCOMMON920R_ZRCOMMON920R_H
+
+#include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/display/display.h"
+#include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/matrix/rectmatrix.h"
+
+#endif  // ZRCOMMON920R_ZRCOMMON920R_H
