@@ -4,7 +4,10 @@
 
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/display/display.h"
+#include "zrcommon920r/math/bitset.h"
 #include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/hashkey.h"
+#include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 
 #endif  // ZRCOMMON920R_ZRCOMMON920R_H
