@@ -1,0 +1,384 @@
+// ZRSymMatrix storage and the operations around it: sizes and allocation failure, row and
+// column walks of the packed buffer, diagonal edits, zeroing rules at their boundaries,
+// sub-matrices and expansion, model checks and the display text.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "support/capture.h"
+#include "support/colmajor.h"
+#include "support/symmatrices.h"
+#include "zrcommon920r/math/matrix/symmatrix.h"
+
+namespace {
+
+using ZRMath_920::IZRSymMatrix;
+using ZRMath_920::ZRBitSet;
+using ZRMath_920::ZRRectMatrix;
+using ZRMath_920::ZRSymMatrix;
+using zrtest::ColMatrix;
+using zrtest::FromSym;
+
+ZRSymMatrix FromRows(int n, const std::vector<double> & lowerByRows) {
+  ZRSymMatrix s(n, true);
+  for (int k = 0; k < static_cast<int>(lowerByRows.size()); ++k) s.SetElem(k, lowerByRows[k]);
+  return s;
+}
+
+std::vector<double> Packed(const ZRSymMatrix & s) {
+  std::vector<double> v;
+  const int n = s.GetNRows();
+  for (int k = 0; k < n * (n + 1) / 2; ++k) v.push_back(s.GetElem(k));
+  return v;
+}
+
+ZRBitSet Bits(const std::vector<bool> & b) {
+  return ZRBitSet(b);
+}
+
+// Dense in storage, but not exactly ZRSymMatrix: operations read it through GetElem.
+class Derived : public ZRSymMatrix {
+ public:
+  using ZRSymMatrix::ZRSymMatrix;
+};
+
+TEST(ZRSymMatrixStorage, ConstructorSizesAndAllocationFailure) {
+  // 65536 rows need 2,147,516,416 elements, past INT_MAX: refused before allocating.
+  struct {
+    int line;
+    ZRSymMatrix m;
+    int rows, blocks, blockSize;
+  } const cases[] = {{__LINE__, ZRSymMatrix(), 0, 0, 0},
+                     {__LINE__, ZRSymMatrix(-3, true), 0, 1, 0},
+                     {__LINE__, ZRSymMatrix(3, true), 3, 1, 3},
+                     {__LINE__, ZRSymMatrix(2, 3, true), 6, 2, 3},
+                     {__LINE__, ZRSymMatrix(0, 3, true), 0, 0, 0},
+                     {__LINE__, ZRSymMatrix(65535, -1, true), 0, 0, 0},
+                     {__LINE__, ZRSymMatrix(65536, false), -1, 1, -1},
+                     {__LINE__, ZRSymMatrix(2, 32768, false), -1, 1, -1},
+                     {__LINE__, ZRSymMatrix(65536, 65536, false), -1, 1, -1}};
+  for (const auto & c : cases) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(c.m.GetNRows(), c.rows);
+    EXPECT_EQ(c.m.GetNBlocks(), c.blocks);
+    EXPECT_EQ(c.m.GetBlockSize(), c.blockSize);
+    EXPECT_EQ(c.m.IsValidMatrix(), c.rows >= 0);
+    ZRSymMatrix copy(c.m);
+    EXPECT_EQ(copy.GetNRows(), c.rows);
+  }
+  ZRSymMatrix m(65536, false);
+  EXPECT_FALSE(m.Resize(65536));
+  EXPECT_TRUE(m.Resize(2));  // an invalid matrix can be sized again
+  EXPECT_EQ(Packed(m), std::vector<double>(3, 0.0));
+}
+
+TEST(ZRSymMatrixStorage, ResizeKeepsLeadingTriangle) {
+  ZRSymMatrix m = FromRows(3, {1, 2, 3, 4, 5, 6});
+  ASSERT_TRUE(m.Resize(2));
+  EXPECT_EQ(Packed(m), (std::vector<double>{1, 2, 3}));
+  ASSERT_TRUE(m.Resize(3));
+  EXPECT_EQ(Packed(m), (std::vector<double>{1, 2, 3, 0, 0, 0}));
+  EXPECT_TRUE(m.SetNRows(-1, false));
+  EXPECT_EQ(m.GetNRows(), 0);
+  EXPECT_EQ(m.GetNBlocks(), 0);
+
+  ZRSymMatrix b(10, true);
+  EXPECT_FALSE(b.SetNBlocks(3));
+  EXPECT_FALSE(b.SetNBlocks(0));
+  ASSERT_TRUE(b.SetNBlocks(5));
+  EXPECT_EQ(b.GetBlockSize(), 2);
+  b.SetElem(7, 2, 1.5);  // block (3, 1), element (1, 0)
+  EXPECT_EQ(b.GetElem(3, 1, 1, 0), 1.5);
+  EXPECT_EQ(b.GetElem(1, 3, 0, 1), 1.5);
+}
+
+TEST(ZRSymMatrixAccess, RowsWalkAlongAndDownThePackedTriangle) {
+  const ColMatrix a = zrtest::RandomSymmetric(6, 1);
+  ZRSymMatrix s = zrtest::ToSym(a);
+  std::vector<double> row;
+  for (int i = 0; i < 6; ++i) {
+    SCOPED_TRACE(i);
+    ASSERT_TRUE(s.GetRow(i, row));
+    for (int j = 0; j < 6; ++j) EXPECT_EQ(row[j], a(i, j));
+  }
+  EXPECT_FALSE(s.GetRow(6, row));
+  EXPECT_FALSE(s.GetRow(-1, row));
+
+  const std::vector<double> v = {10, 11, 12, 13, 14, 15};
+  ASSERT_TRUE(s.PutRow(2, v));
+  ColMatrix f = FromSym(s);
+  for (int j = 0; j < 6; ++j) EXPECT_EQ(f(2, j), v[j]) << j;
+  for (int j = 0; j < 6; ++j) EXPECT_EQ(f(j, 3), j == 2 ? 13.0 : a(j, 3)) << j;
+  EXPECT_FALSE(s.PutRow(2, std::vector<double>(5, 1.0)));
+  EXPECT_FALSE(s.PutRow(6, v));
+
+  ASSERT_TRUE(s.SetRowColToConst(4, -2.0));
+  ASSERT_TRUE(s.ZeroOut(1));
+  f = FromSym(s);
+  for (int j = 0; j < 6; ++j) {
+    EXPECT_EQ(f(4, j), j == 1 ? 0.0 : -2.0) << j;
+    EXPECT_EQ(f(j, 1), 0.0) << j;
+  }
+  EXPECT_FALSE(s.ZeroOut(6));
+  EXPECT_FALSE(s.SetElem(21, 1.0));
+  EXPECT_FALSE(s.SetElem(-1, 1.0));
+  EXPECT_TRUE(s.SetElem(20, 1.0));
+}
+
+TEST(ZRSymMatrixAccess, IsZeroRowLooksAtSetColumnsOnly) {
+  // Row 1 of 0 1 0 / 1 0 NaN / 0 NaN 5: non-zero in columns 0 and 2 only.
+  const ZRSymMatrix m = FromRows(3, {0, 1, 0, 0, std::nan(""), 5});
+  struct {
+    int line, row;
+    std::vector<bool> set;
+    bool want;
+  } const cases[] = {
+      {__LINE__, 1, {false, true, false}, true}, {__LINE__, 1, {true, true, false}, false},
+      {__LINE__, 1, {false, true, true}, false},  // NaN is not zero
+      {__LINE__, 1, {false, true}, true},         // short set
+      {__LINE__, 0, {false, false, true}, true}, {__LINE__, 3, {true, true, true}, false}};
+  for (const auto & c : cases) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(m.IsZeroRow(c.row, Bits(c.set)), c.want);
+  }
+}
+
+TEST(ZRSymMatrixArithmetic, AXpYReadsDenseAndOtherMatrices) {
+  ZRSymMatrix m = FromRows(2, {1, 2, 3});
+  ASSERT_TRUE(m.ComputeAXpY(2.0, FromRows(2, {1, 1, 1})));
+  EXPECT_EQ(Packed(m), (std::vector<double>{3, 4, 5}));
+  Derived d(2, true);
+  d.SetElem(1, 0, 10.0);
+  ASSERT_TRUE(m.ComputeAXpY(-1.0, d));
+  EXPECT_EQ(Packed(m), (std::vector<double>{3, -6, 5}));
+  EXPECT_FALSE(m.ComputeAXpY(1.0, ZRSymMatrix(3, true)));
+  m.ChangeSign();
+  m.MultiplyByNumber(0.5);
+  m.AddToDiagonal(1.0);
+  EXPECT_EQ(Packed(m), (std::vector<double>{-0.5, 3, -1.5}));
+}
+
+TEST(ZRSymMatrixDiagonal, CheckedDiagonalsAndExtremes) {
+  std::vector<double> d;
+  FromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonal(d, 0.5, 7.0);
+  EXPECT_EQ(d, (std::vector<double>{4, 4, 4}));
+  FromRows(2, {-1, 0, -2}).GetNCheckDiagonal(d, 0.5, 7.0);
+  EXPECT_EQ(d, (std::vector<double>{0, 0}));
+  FromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonalOld(d, 3.0, 7.0);
+  EXPECT_EQ(d, (std::vector<double>{7, 4, 7}));
+
+  double maxD = 1, minD = 2, maxO = 3, minO = 4;
+  ZRSymMatrix().MaxMinDiagOffDiag(maxD, minD, maxO, minO);
+  EXPECT_EQ(maxD + minD + maxO + minO, 10.0);  // untouched
+  FromRows(3, {1, -7, 4, 8, 0.5, -2}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
+  EXPECT_EQ(std::vector<double>({maxD, minD, maxO, minO}), (std::vector<double>{4, -2, 8, -7}));
+  FromRows(1, {3}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
+  EXPECT_EQ(maxO, -1.7976931348623157e308);  // no off-diagonal element
+  EXPECT_EQ(minO, 1.7976931348623157e308);
+
+  struct {
+    int line, start, count;
+    bool ok;
+  } const parts[] = {{__LINE__, 1, 2, true},
+                     {__LINE__, 2, 2, false},
+                     {__LINE__, -1, 1, false},
+                     {__LINE__, 0, 0, false}};
+  for (const auto & c : parts) {
+    SCOPED_TRACE(c.line);
+    ZRSymMatrix m(3, true);
+    EXPECT_EQ(m.AddToDiagonalPart(c.start, c.count, 1.0), c.ok);
+    EXPECT_EQ(Packed(m), (c.ok ? std::vector<double>{0, 0, 1, 0, 0, 1} : std::vector<double>(6)));
+  }
+}
+
+TEST(ZRSymMatrixDiagonal, RepairsOfDiagonalAndCorrelations) {
+  ZRSymMatrix m = FromRows(4, {8, 1, -1, 2, 3, 0.8, 4, 5, 6, 0.08});
+  ASSERT_TRUE(m.ReplaceDiagZeroes(0.1));  // 0.1 = 0.8 / 8 is not above eps: replaced
+  std::vector<double> d;
+  m.GetDiagonal(d);
+  EXPECT_EQ(d, (std::vector<double>{8, 8, 8, 8}));
+  EXPECT_FALSE(m.ReplaceDiagZeroes(-0.1));
+  ZRSymMatrix neg = FromRows(2, {-1, 0, 0});
+  EXPECT_FALSE(neg.ReplaceDiagZeroes(0.1));
+
+  ZRSymMatrix a = FromRows(3, {1, 1, 2, 1, 1, 3}), b = FromRows(3, {1, 1, 0, 1, 1, 3});
+  ASSERT_TRUE(a.SetCovarZeros(b));  // row 1 has no variance in b
+  EXPECT_EQ(Packed(a), (std::vector<double>{1, 0, 0, 1, 0, 3}));
+  EXPECT_EQ(Packed(b), Packed(a));
+  EXPECT_FALSE(a.SetCovarZeros(neg));
+
+  ZRSymMatrix c = FromRows(3, {1, 1.5, 1, -1, 0.99, 1});
+  ASSERT_TRUE(c.AdjustOffDiagCorr(0.25));
+  EXPECT_EQ(Packed(c), (std::vector<double>{1, 0.75, 1, -0.75, 0.99, 1}));
+  EXPECT_FALSE(c.AdjustOffDiagCorr(1.0));
+  EXPECT_FALSE(c.AdjustOffDiagCorr(-0.1));
+}
+
+TEST(ZRSymMatrixZeroing, ThresholdsAtTheirBoundaries) {
+  // Off-diagonal 0.5 against tol x sqrt(4 x 1) = 0.5: "not above" zeroes it.
+  ZRSymMatrix m = FromRows(3, {4, 0.5, 1, 0.50001, -0.2, 1});
+  m.ZeroOutNonDiag(0.25);
+  EXPECT_EQ(Packed(m), (std::vector<double>{4, 0, 1, 0.50001, 0, 1}));
+  m.ZeroOutNonDiag(0.0);  // nothing without a positive tol
+  EXPECT_EQ(m.GetElem(2, 0), 0.50001);
+
+  ZRSymMatrix s = FromRows(3, {-10, 0.999, 2, 1, -1, 0.5});
+  s.ZeroOutAllSmall(0.1);  // below 0.1 x 10, diagonal included
+  EXPECT_EQ(Packed(s), (std::vector<double>{-10, 0, 2, 1, -1, 0}));
+
+  // Running maximum 0, 4, 4, 4: rows 0 (maximum still 0) and 2 (0.1 / 4 < tol) go.
+  ZRSymMatrix r = FromRows(4, {0, 1, 4, 1, 1, 0.1, 1, 1, 1, 2});
+  r.ZeroOutRowsForSmallDiag(0.05);
+  std::vector<double> d;
+  r.GetDiagonal(d);
+  EXPECT_EQ(d, (std::vector<double>{0, 4, 0, 2}));
+  EXPECT_EQ(r.GetElem(3, 1), 1.0);
+  EXPECT_EQ(r.GetElem(3, 2), 0.0);
+
+  ZRSymMatrix z = FromRows(3, {1, 2, 3, 4, 5, 6});
+  EXPECT_FALSE(z.ZeroOutRedundant(Bits({true, false})));
+  ASSERT_TRUE(z.ZeroOutRedundant(Bits({true, false, true})));
+  EXPECT_EQ(Packed(z), (std::vector<double>{1, 0, 0, 4, 0, 6}));
+}
+
+TEST(ZRSymMatrixSubmatrix, DeleteExtractAndExpand) {
+  const ColMatrix a = zrtest::RandomSymmetric(5, 2);
+  const ZRSymMatrix s = zrtest::ToSym(a);
+  struct {
+    int line;
+    std::vector<int> idx;
+  } const picks[] = {{__LINE__, {3, 0, 3}}, {__LINE__, {}}, {__LINE__, {4, 2, 1, 0}}};
+  for (const auto & c : picks) {
+    SCOPED_TRACE(c.line);
+    ZRSymMatrix out(1, true);
+    ASSERT_TRUE(s.ExtractSubmatrix(c.idx, out));
+    const ColMatrix f = FromSym(out);
+    ASSERT_EQ(f.rows, static_cast<int>(c.idx.size()));
+    for (int i = 0; i < f.rows; ++i)
+      for (int j = 0; j < f.rows; ++j) EXPECT_EQ(f(i, j), a(c.idx[i], c.idx[j]));
+  }
+  ZRSymMatrix out;
+  EXPECT_FALSE(s.ExtractSubmatrix({0, 5}, out));
+
+  ZRSymMatrix del = s;
+  ASSERT_TRUE(del.DeleteOneRow(1));
+  EXPECT_FALSE(del.DeleteOneRow(4));
+  ZRSymMatrix kept;
+  s.ExtractFirstNRows(kept);
+  const ColMatrix fd = FromSym(del), fk = FromSym(kept);
+  const int from[] = {0, 2, 3, 4};
+  for (int i = 0; i < 4; ++i)
+    for (int j = 0; j < 4; ++j) {
+      EXPECT_EQ(fd(i, j), a(from[i], from[j]));
+      EXPECT_EQ(fk(i, j), a(i, j));
+    }
+  ZRSymMatrix one(1, true);
+  one.ExtractFirstNRows(one);
+  EXPECT_EQ(one.GetNRows(), 0);
+
+  // Rows 0..2 of a 3 x 3 go to the set bits 1, 3, 4 of a 6-bit set; rows 0, 2, 5 are zero.
+  ZRSymMatrix small = FromRows(3, {1, 2, 3, 4, 5, 6}), big;
+  small.Expand(Bits({false, true, false, true, true, false}), big);
+  const ColMatrix fb = FromSym(big), fs = FromSym(small);
+  const int at[] = {-1, 0, -1, 1, 2, -1};
+  for (int i = 0; i < 6; ++i)
+    for (int j = 0; j < 6; ++j)
+      EXPECT_EQ(fb(i, j), at[i] < 0 || at[j] < 0 ? 0.0 : fs(at[i], at[j])) << i << "," << j;
+}
+
+TEST(ZRSymMatrixSubmatrix, BorderedMatricesAndCopiesIntoColumns) {
+  const ZRSymMatrix s = FromRows(2, {1, 2, 3});
+  ZRRectMatrix r(1, 2, true);
+  r.SetElem(0, 0, 7.0);
+  r.SetElem(0, 1, 8.0);
+  const double want[3][3] = {{1, 2, 7}, {2, 3, 8}, {7, 8, 0}};
+  ZRSymMatrix sym;
+  ZRRectMatrix rect;
+  ASSERT_TRUE(s.ExpandSym(r, sym));
+  ASSERT_TRUE(s.ExpandSymToRect(r, rect));
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) {
+      EXPECT_EQ(sym.GetElem(i, j), want[i][j]);
+      EXPECT_EQ(rect.GetElem(i, j), want[i][j]);
+    }
+  EXPECT_FALSE(s.ExpandSym(ZRRectMatrix(1, 3, true), sym));
+  EXPECT_FALSE(ZRSymMatrix().ExpandSymToRect(ZRRectMatrix(1, 0, true), rect));
+
+  ZRSymMatrix t = FromRows(3, {9, 9, 9, 9, 9, 9});
+  ASSERT_TRUE(t.ReplaceFirstRows(s, 2));
+  EXPECT_EQ(Packed(t), (std::vector<double>{1, 2, 3, 9, 9, 9}));
+  EXPECT_FALSE(t.ReplaceFirstRows(s, 3));
+
+  // Rows 0 and 2 of 1 2 4 / 2 3 5 / 4 5 6, first 3 elements each, into columns 1 and 2.
+  const ZRSymMatrix m = FromRows(3, {1, 2, 3, 4, 5, 6});
+  ZRRectMatrix h(3, 3, true);
+  ZRBitSet done;
+  int cols = 1;
+  ASSERT_TRUE(m.ExtractH(0, 2, Bits({true, false, true}), h, cols, done, 3));
+  EXPECT_EQ(cols, 3);
+  const double wantH[3][3] = {{0, 1, 4}, {0, 2, 5}, {0, 4, 6}};
+  for (int i = 0; i < 3; ++i)
+    for (int j = 0; j < 3; ++j) EXPECT_EQ(h.GetElem(i, j), wantH[i][j]);
+  EXPECT_EQ(done, Bits({true, false, true}));
+  EXPECT_FALSE(m.ExtractH(0, 2, Bits({true, false, true}), h, cols, done, 3));  // H is full
+  EXPECT_FALSE(m.ExtractH(2, 3, Bits({true, true, true}), h, cols, done, 3));
+  EXPECT_FALSE(m.CopyRowToRColumn(1, h, 3, 3));
+  ASSERT_TRUE(m.CopyRowToRColumn(1, h, 0, 2));
+  EXPECT_EQ(h.GetElem(1, 0), 3.0);
+  EXPECT_EQ(h.GetElem(2, 0), 0.0);
+}
+
+TEST(ZRSymMatrixModelChecks, GmgDependenciesAndCoefficients) {
+  const ZRSymMatrix g(3, true);
+  ZRSymMatrix s = FromRows(3, {2, 1, 0, 1, 1, 5});
+  ZRBitSet neg;
+  bool allGone = true;
+  int count = -1;
+  // M(0, 0) < 0 marks row 0; row 1 keeps S(1, 1) = 0, not above 0; row 2 is not in set.
+  ASSERT_TRUE(g.CheckGMG({-1, 0, 1, 0, 0, 1}, Bits({true, true, false}), s, neg, allGone, count));
+  EXPECT_EQ(count, 2);
+  EXPECT_TRUE(allGone);
+  EXPECT_EQ(neg, Bits({true, false, false}));
+  EXPECT_EQ(Packed(s), (std::vector<double>{0, 0, 0, 0, 0, 5}));
+  EXPECT_FALSE(g.CheckGMG({1, 0, 1}, Bits({true, true, true}), s, neg, allGone, count));
+
+  // Rows 0, 1, 3 of M, where row 3 = row 0 + row 1: one dependency.
+  const std::vector<double> M = {1, 0, 1, 7, 7, 7, 1, 1, 7, 2};
+  ZRSymMatrix w;
+  EXPECT_EQ(w.CheckMDependent(4, M, Bits({true, true, false, true}), 1e-10), 1);
+  EXPECT_EQ(w.GetNRows(), 3);
+  EXPECT_EQ(w.CheckMDependent(3, M, Bits({true, true, false, true}), 1e-10), 0);
+  EXPECT_EQ(w.CheckMDependent(0, M, Bits({}), 1e-10), 0);
+  EXPECT_EQ(w.CheckMDependent(-1, M, Bits({}), 1e-10), -1);
+  EXPECT_EQ(w.CheckMDependent(5, M, Bits({true, true, true, true, true}), 1e-10), -1);
+
+  std::vector<double> b;
+  ASSERT_TRUE(FromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({false, true})));
+  EXPECT_EQ(b, (std::vector<double>{0, 5}));
+  EXPECT_FALSE(FromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({true})));
+  ASSERT_TRUE(ZRSymMatrix(1, true).GetRegCoeffs(b, Bits({})));
+  EXPECT_TRUE(b.empty());
+}
+
+TEST(ZRSymMatrixDisplay, ExactText) {
+  const ZRSymMatrix m = FromRows(2, {1, 2.5, -3});
+  zrtest::DisplayCapture cap;
+  m.Display();
+  EXPECT_EQ(cap.Text(),
+            "\nZRSymMatrix display start\nThe number of rows = 2\nThe number of blocks = 1"
+            "\nThe block size = 2\nLower triangular (number of elements = 3, number of rows = 2)"
+            "\nrow  0: \n  1\nrow  1: \n  2.5 -3\nZRSymMatrix display end");
+  cap.Clear();
+  m.DisplayF();
+  EXPECT_EQ(cap.Text(),
+            "\nZRSymMatrix full matrix display start\nNumber of rows = 2"
+            "\nrow 0:  (size = 2)\n  = 1\n  = 2.5\nrow 1:  (size = 2)\n  = 2.5\n  = -3"
+            "\nZRSymMatrix display end");
+  cap.Clear();
+  m.DisplayS();
+  EXPECT_EQ(cap.Text(), "\n 1\n 2.5 -3");
+}
+
+}  // namespace
