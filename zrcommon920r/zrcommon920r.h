@@ -9,5 +9,6 @@
 #include "zrcommon920r/math/hashkey.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
+#include "zrcommon920r/math/matrix/symmatrix.h"
 
 #endif  // ZRCOMMON920R_ZRCOMMON920R_H
