@@ -6,31 +6,14 @@
 #include <cmath>
 #include <cstddef>
 
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
-// Base of the determinant's exponent: det = det[0] * 10^det[1].
-constexpr double kDetBase = 10.0;
-
-// Element (i, j), counted from 1, of a column-major array with leading dimension ld.
-inline double * At(double * const a, int ld, int i, int j) {
-  return a + (static_cast<std::ptrdiff_t>(j) - 1) * ld + (i - 1);
-}
-
-inline int Min(int a, int b) {
-  return a < b ? a : b;
-}
-inline int Max(int a, int b) {
-  return a > b ? a : b;
-}
-
-// Fortran dsign(a, b): |a| with the sign of b.
-inline double Sign(double a, double b) {
-  return b >= 0.0 ? std::fabs(a) : -std::fabs(a);
-}
+using namespace linpack_detail;
 
 // One factor of the determinant of R'R: det[0] <- r^2 det[0], then det[0] is brought into
 // [1, 10) by powers of ten counted in det[1]. Returns false when det[0] is 0.0, where the
@@ -38,16 +21,7 @@ inline double Sign(double a, double b) {
 // overflows for r near 1e154), where the published rescaling loops never end.
 bool MultiplyDet(double r, double * const det) {
   det[0] = r * r * det[0];
-  if (det[0] == 0.0 || !std::isfinite(det[0])) return false;
-  while (det[0] < 1.0) {
-    det[0] = kDetBase * det[0];
-    det[1] = det[1] - 1.0;
-  }
-  while (det[0] >= kDetBase) {
-    det[0] = det[0] / kDetBase;
-    det[1] = det[1] + 1.0;
-  }
-  return true;
+  return NormaliseDet(det);
 }
 
 }  // namespace

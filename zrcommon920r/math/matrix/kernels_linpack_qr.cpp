@@ -4,25 +4,14 @@
 #include <cmath>
 #include <cstddef>
 
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
-// Element (i, j), counted from 1, of a column-major array with leading dimension ld.
-inline double * At(double * const a, int ld, int i, int j) {
-  return a + (static_cast<std::ptrdiff_t>(j) - 1) * ld + (i - 1);
-}
-
-inline int Min(int a, int b) {
-  return a < b ? a : b;
-}
-
-// Fortran dsign(a, b): |a| with the sign of b.
-inline double Sign(double a, double b) {
-  return b >= 0.0 ? std::fabs(a) : -std::fabs(a);
-}
+using namespace linpack_detail;
 
 // Applies the Householder transformation stored below the diagonal of column j of x (with
 // qraux(j) as its leading element) to the vector v(j..n): v <- v - (u'v / u(1)) u.

@@ -8,14 +8,14 @@
 #include <cstddef>
 #include <cstdlib>
 
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
-// Base of the determinant's exponent: det = det[0] * 10^det[1].
-constexpr double kDetBase = 10.0;
+using namespace linpack_detail;
 
 // Column-major array with leading dimension ld, indexed (i, j) from 1 as the published text.
 class FullView {
@@ -34,11 +34,6 @@ class FullView {
 // Offset of packed column k (k counted from 1): element (i, k), i <= k, is ap[Col(k) + i - 1].
 inline std::ptrdiff_t Col(int k) {
   return static_cast<std::ptrdiff_t>(k) * (k - 1) / 2;
-}
-
-// Fortran dsign(a, b): |a| with the sign of b.
-inline double Sign(double a, double b) {
-  return b >= 0.0 ? std::fabs(a) : -std::fabs(a);
 }
 
 inline void Swap(double & x, double & y) {
@@ -70,15 +65,7 @@ inline void Solve2x2(double a22, double a11, double s, double & zk, double & zkm
 // the overflow threshold, or a NaN in the matrix), where the published loops never end.
 void MultiplyDet(double d, double * const det) {
   det[0] = d * det[0];
-  if (det[0] == 0.0 || !std::isfinite(det[0])) return;
-  while (std::fabs(det[0]) < 1.0) {
-    det[0] = kDetBase * det[0];
-    det[1] = det[1] - 1.0;
-  }
-  while (std::fabs(det[0]) >= kDetBase) {
-    det[0] = det[0] / kDetBase;
-    det[1] = det[1] + 1.0;
-  }
+  NormaliseDet(det);
 }
 
 // Counts one diagonal value of D into the inertia (positive, negative, zero).

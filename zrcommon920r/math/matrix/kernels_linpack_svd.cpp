@@ -4,31 +4,17 @@
 #include <cmath>
 #include <cstddef>
 
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
+using namespace linpack_detail;
+
 // Iterations allowed for each singular value.
 constexpr int kMaxIt = 30;
-
-// Element (i, j), counted from 1, of a column-major array with leading dimension ld.
-inline double * At(double * const a, int ld, int i, int j) {
-  return a + (static_cast<std::ptrdiff_t>(j) - 1) * ld + (i - 1);
-}
-
-inline int Min(int a, int b) {
-  return a < b ? a : b;
-}
-inline int Max(int a, int b) {
-  return a > b ? a : b;
-}
-
-// Fortran dsign(a, b): |a| with the sign of b.
-inline double Sign(double a, double b) {
-  return b >= 0.0 ? std::fabs(a) : -std::fabs(a);
-}
 
 inline double Max5(double a, double b, double c, double d, double e) {
   double m = a;

@@ -5,40 +5,14 @@
 #include <cmath>
 #include <cstddef>
 
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
-// Base of the determinant's exponent: det = det[0] * 10^det[1].
-constexpr double kDetBase = 10.0;
-
-// Element (i, j), counted from 1, of a column-major array with leading dimension ld.
-inline double * At(double * const a, int ld, int i, int j) {
-  return a + (static_cast<std::ptrdiff_t>(j) - 1) * ld + (i - 1);
-}
-
-// Fortran dsign(a, b): |a| with the sign of b.
-inline double Sign(double a, double b) {
-  return b >= 0.0 ? std::fabs(a) : -std::fabs(a);
-}
-
-// Brings det[0] into 1 <= |det[0]| < 10 by powers of ten counted in det[1]. Returns false
-// when det[0] is 0.0, where the published loop exits. Intended: it also stops on an
-// infinite or NaN det[0], where the published rescaling loops never end.
-bool NormaliseDet(double * const det) {
-  if (det[0] == 0.0 || !std::isfinite(det[0])) return false;
-  while (std::fabs(det[0]) < 1.0) {
-    det[0] = kDetBase * det[0];
-    det[1] = det[1] - 1.0;
-  }
-  while (std::fabs(det[0]) >= kDetBase) {
-    det[0] = det[0] / kDetBase;
-    det[1] = det[1] + 1.0;
-  }
-  return true;
-}
+using namespace linpack_detail;
 
 }  // namespace
 
