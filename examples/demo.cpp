@@ -1,82 +1,136 @@
-// Example procedure: builds a small design matrix, forms products with it and reports
-// the results on the diagnostic stream, as an analytic procedure would while debugging.
+// Example procedure: a weighted linear regression as an analytic procedure builds it.
+// It reads a small data set, accumulates weighted means and corrected cross-products in
+// one pass and again in two halves on two threads joined with Merge, sweeps the
+// predictors out of the cross-product matrix, and reports coefficients, their standard
+// errors and the residual standard deviation on the diagnostic stream.
+//
+// Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
+#include <cmath>
 #include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "zrcommon920r/zrcommon920r.h"
 
 namespace {
 
-using ZRCommon_920::kSysMisValue;
 using ZRMath_920::ZRBitSet;
+using ZRMath_920::ZRMeansXProducts;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 namespace disp = ZRDisplay_920;
 
-// Design matrix of five cases: an intercept and two predictors.
-ZRRectMatrix MakeDesign() {
-  const double rows[5][3] = {
-      {1.0, 2.0, 0.5}, {1.0, 3.5, -1.0}, {1.0, 1.0, 2.0}, {1.0, 4.0, 0.0}, {1.0, 2.5, 1.5}};
-  ZRRectMatrix x(5, 3, true);
-  for (int i = 0; i < 5; ++i)
-    for (int j = 0; j < 3; ++j) x.SetElem(i, j, rows[i][j]);
-  return x;
+// A comma-separated file with a header line of names; every other line holds numbers.
+struct DataSet {
+  std::vector<std::string> names;
+  ZRRectMatrix rows;
+};
+
+bool ReadCsv(const std::string & path, DataSet & data) {
+  std::ifstream in(path);
+  std::string line, field;
+  if (!in || !std::getline(in, line)) return false;
+  std::stringstream header(line);
+  while (std::getline(header, field, ',')) data.names.push_back(field);
+  const int nCols = static_cast<int>(data.names.size());
+  data.rows.SetNRowsCols(0, nCols, true);
+  while (std::getline(in, line)) {
+    if (line.empty()) continue;
+    std::stringstream fields(line);
+    const int row = data.rows.AddRow() - 1;
+    for (int j = 0; j < nCols; ++j) {
+      if (!std::getline(fields, field, ',')) return false;
+      data.rows.SetElem(row, j, std::stod(field));
+    }
+  }
+  return data.rows.GetNRows() > 0;
 }
 
-// Least squares by sweeping: accumulates the cross-products of [1 x1 x2 y] case by case,
-// sweeps the three predictor rows, and reads the coefficients and the residual sum of
-// squares from the row of the dependent variable.
-bool FitBySweeping(const ZRRectMatrix & x, const std::vector<double> & y) {
-  const int p = x.GetNCols();
-  ZRSymMatrix cross(p + 1, true);
-  std::vector<double> row(p + 1);
-  for (int i = 0; i < x.GetNRows(); ++i) {
-    for (int j = 0; j < p; ++j) row[j] = x.GetElem(i, j);
-    row[p] = y[i];
-    if (!cross.UpdateXX(row, 1.0)) return false;
-  }
-  cross.Display();
+// Summarises rows [first, first + count) of the block: variables, then the weight column.
+bool Summarise(const ZRRectMatrix & block, int first, int count, ZRMeansXProducts & out) {
+  ZRRectMatrix part;
+  return part.CopyRows(block, first, count) && out.Compute(part, 0);
+}
+
+// Regression of the last variable on the others by sweeping the corrected cross-products.
+void Fit(const ZRMeansXProducts & summary, const std::vector<std::string> & names) {
+  const int p = summary.GetNVars() - 1;  // predictors; the response is the last variable
+  const double n = summary.GetNCases();
+  const std::vector<double> & means = summary.GetMeans();
+  ZRSymMatrix a = summary.GetXProds();
 
   ZRBitSet entered;
   double logDet = 0.0;
-  if (!cross.SweepOnMany(p, 1e-12, true, entered, logDet, true, nullptr)) return false;
-  std::vector<double> coefficients;
-  if (!cross.GetRegCoeffs(coefficients, entered)) return false;
+  a.SweepOnMany(p, 1e-10, true, entered, logDet, true, nullptr);
+  std::vector<double> b;
+  a.GetRegCoeffs(b, entered);
+
+  const double rss = a.GetElem(p, p);
+  const double df = n - entered.InSet() - 1.0;
+  const double sigma2 = rss / df;
+
+  // After the sweep the entered block holds -(X'X)^-1 of the centred predictors.
+  double intercept = means[p], meanQuad = 0.0;
+  for (int j = 0; j < p; ++j) {
+    intercept -= b[j] * means[j];
+    for (int k = 0; k < p; ++k)
+      if (entered.IsIn(j) && entered.IsIn(k)) meanQuad -= means[j] * a.GetElem(j, k) * means[k];
+  }
+
+  disp::DisplayText(1, "Regression of ");
+  disp::DisplayText(0, names[p]);
+  disp::DisplayD("weighted cases", n);
   disp::DisplayI("predictors entered", entered.InSet());
-  disp::DisplayDV("regression coefficients", coefficients, true);
-  disp::DisplayDF("residual sum of squares", cross.GetElem(p, p));
-  disp::DisplayD("log determinant of X'X", logDet);
-  return true;
+  disp::DisplayDF("intercept", intercept);
+  disp::DisplayDF("  standard error", std::sqrt(sigma2 * (1.0 / n + meanQuad)));
+  for (int j = 0; j < p; ++j) {
+    disp::DisplayDF("coefficient of " + names[j], b[j]);
+    disp::DisplayDF("  standard error", entered.IsIn(j) ? std::sqrt(-a.GetElem(j, j) * sigma2)
+                                                        : ZRCommon_920::kSysMisValue);
+  }
+  disp::DisplayDF("residual sum of squares", rss);
+  disp::DisplayDF("residual standard deviation", std::sqrt(sigma2));
 }
 
 }  // namespace
 
-int main() {
-  const ZRRectMatrix x = MakeDesign();
-  x.Display();
+int main(int argc, char ** argv) {
+  const std::string path = argc > 1 ? argv[1] : ZR_DEMO_DATA;
+  DataSet data;
+  if (!ReadCsv(path, data)) {
+    std::fprintf(stderr, "cannot read %s\n", path.c_str());
+    return 1;
+  }
+  const int nVars = data.rows.GetNCols() - 1;  // the last column is a frequency weight
+  const int nRows = data.rows.GetNRows();
+  disp::DisplayS("data set", path);
+  disp::DisplayI("cases", nRows);
 
-  // Fitted values for a coefficient vector: X b.
-  const std::vector<double> beta{0.5, 1.25, -0.75};
-  std::vector<double> fitted;
-  if (!x.ComputeRV(beta, fitted)) return 1;
-  disp::DisplayDV("fitted values X b", fitted, false);
+  // One pass over all cases.
+  ZRMeansXProducts whole(nVars, true, true, false);
+  if (!whole.Compute(data.rows, 0)) return 1;
 
-  // Cross-products X'X, the start of a least-squares fit.
-  ZRRectMatrix xt = x;
-  xt.Transpose();
-  ZRRectMatrix xtx;
-  if (!xt.ComputeMatrixProduct(x, xtx)) return 1;
-  xtx.DisplayF();
+  // The same in two halves, one per thread, joined afterwards.
+  ZRMeansXProducts first(nVars, true, true, false), second(nVars, true, true, false);
+  bool okFirst = false, okSecond = false;
+  std::thread t1([&] { okFirst = Summarise(data.rows, 0, nRows / 2, first); });
+  std::thread t2([&] { okSecond = Summarise(data.rows, nRows / 2, nRows - nRows / 2, second); });
+  t1.join();
+  t2.join();
+  if (!okFirst || !okSecond || !first.Merge(second)) return 1;
 
-  disp::DisplayI("cases", x.GetNRows());
-  disp::DisplayD("norm of column 1", x.ColNorm(1));
-  disp::DisplayD("norm of a bad column", x.ColNorm(7));  // no result: system-missing
-  disp::DisplayD("system-missing value", kSysMisValue);
-  disp::DisplayDF("sum of squares of fitted values",
-                  ZRMath_920::ZRMathFun::DDot(5, fitted, 0, 1, fitted, 0, 1));
-  // A response for the five cases, then the fit.
-  const std::vector<double> y{3.1, 4.9, 0.2, 6.1, 2.4};
-  if (!FitBySweeping(x, y)) return 1;
+  double maxDiff = 0.0;
+  for (int i = 0; i < nVars; ++i)
+    for (int j = 0; j <= i; ++j)
+      maxDiff = std::fmax(
+          maxDiff, std::fabs(first.GetXProds().GetElem(i, j) - whole.GetXProds().GetElem(i, j)));
+  disp::DisplayDV("means", whole.GetMeans(), false);
+  disp::DisplayD("largest difference, merged halves against one pass", maxDiff);
+
+  Fit(first, data.names);
   std::printf("\n");
   return 0;
 }

@@ -3,6 +3,9 @@
 #define ZRCOMMON920R_ZRCOMMON920R_H
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/common/status.h"
+#include "zrcommon920r/common/value.h"
+#include "zrcommon920r/common/warnings.h"
 #include "zrcommon920r/display/display.h"
 #include "zrcommon920r/math/bitset.h"
 #include "zrcommon920r/math/dist/mathfun.h"
@@ -10,5 +13,7 @@
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
+#include "zrcommon920r/math/stats/meansxprod.h"
+#include "zrcommon920r/math/stats/xprodpair.h"
 
 #endif  // ZRCOMMON920R_ZRCOMMON920R_H

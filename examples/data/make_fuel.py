@@ -1,0 +1,13 @@
+"""Writes fuel.csv, the demo's data set: 60 made-up vehicles with engine size (litres),
+weight (tonnes), age (years), fuel use (litres per 100 km) and a frequency weight (how
+many identical vehicles the row stands for). Run: python3 make_fuel.py > fuel.csv"""
+import random
+
+random.seed(920)
+print("engine,weight,age,fuel,count")
+for _ in range(60):
+    engine = round(random.uniform(1.0, 4.5), 1)
+    weight = round(0.8 + 0.25 * engine + random.gauss(0.0, 0.12), 2)
+    age = random.randint(0, 15)
+    fuel = 2.1 + 1.35 * engine + 2.4 * weight + 0.06 * age + random.gauss(0.0, 0.45)
+    print(f"{engine},{weight},{age},{fuel:.2f},{random.randint(1, 3)}")
