@@ -4,10 +4,10 @@
 
 #include <cmath>
 #include <functional>
-#include <limits>
-#include <random>
 #include <vector>
 
+#include "support/colmajor.h"
+#include "support/symmatrices.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
@@ -17,37 +17,14 @@ using ZRMath_920::ZRBitSet;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 using Vec = std::vector<double>;
-using Idx = std::vector<int>;
 
 constexpr double kEps = 2.220446049250313e-16;
 constexpr int kN = 7;
-
-Vec RandomVec(int n, unsigned seed) {
-  std::mt19937 gen(seed);
-  std::uniform_real_distribution<double> u(-1.0, 1.0);
-  Vec v(n);
-  for (double & x : v) x = u(gen);
-  return v;
-}
-
-ZRSymMatrix RandomSym(int n, unsigned seed) {
-  const Vec v = RandomVec(n * (n + 1) / 2, seed);
-  ZRSymMatrix s(n, true);
-  for (int k = 0; k < n * (n + 1) / 2; ++k) s.SetElem(k, v[k]);
-  return s;
-}
 
 Vec Packed(const ZRSymMatrix & s) {
   Vec v(s.GetNRows() * (s.GetNRows() + 1) / 2);
   for (int k = 0; k < static_cast<int>(v.size()); ++k) v[k] = s.GetElem(k);
   return v;
-}
-
-ZRRectMatrix Rect(int rows, int cols, const Vec & v) {
-  ZRRectMatrix r(rows, cols, true);
-  for (int i = 0; i < rows; ++i)
-    for (int j = 0; j < cols; ++j) r.SetElem(i, j, v[i * cols + j]);
-  return r;
 }
 
 // s0 + w sum_r x_r x_r' element by element in long double; every element within a few
@@ -61,56 +38,43 @@ void ExpectOuterSum(const ZRSymMatrix & got, const ZRSymMatrix & s0, double w,
         want += static_cast<long double>(w) * x[i] * x[j];
         size += std::fabs(w * x[i] * x[j]);
       }
-      SCOPED_TRACE(testing::Message() << "(" << i << ", " << j << ")");
       EXPECT_LE(std::fabs(got.GetElem(i, j) - static_cast<double>(want)),
-                (xs.size() + 2) * kEps * static_cast<double>(size));
+                (xs.size() + 2) * kEps * static_cast<double>(size))
+          << "(" << i << ", " << j << ")";
     }
 }
 
 TEST(ZRSymMatrixUpdate, MatchExplicitOuterProducts) {
-  const ZRSymMatrix s0 = RandomSym(kN, 1);
-  Vec x = RandomVec(kN, 2);
+  const ZRSymMatrix s0 = zrtest::ToSym(zrtest::RandomSymmetric(kN, 1));
+  Vec x = zrtest::RandomGeneral(kN, 1, 2).a;
   x[1] = x[4] = 0.0;  // dummy-coded zeros skip their rows
-  const Vec z(x.begin(), x.end() - 1);
-  const double y = x.back();
-  const Vec sv{0.5, -2.0, 0.75};
-  ZRBitSet set(kN);
-  set.SetSubset({0, 1, 3, 5, 6}, true);
-  Vec masked = x;
-  for (int i : {2, 4}) masked[i] = 0.0;
-  const Vec ab = RandomVec(5 * kN, 3);  // [A B], A the first 3 columns
-  Vec av, bv;
-  std::vector<Vec> rows;
+  const Vec z(x.begin(), x.end() - 1), sv{0.5, -2.0, 0.75};
+  const std::vector<int> at{0, 1, 3};  // sv at 2 + at, and in the corner at 3 + at
+  const Vec sparse{0, 0, 0.5, -2.0, 0, 0.75, 0}, corner{0, 0, 0, 0.5, -2.0, 0, 0.75};
+  const ZRBitSet set(std::vector<bool>{true, true, false, true, false, true, true});
+  const Vec masked{x[0], 0, 0, x[3], 0, x[5], x[6]};  // x outside the set counts as 0
+  std::vector<Vec> rows;                              // rows of [A B], A the first 3 columns
+  ZRRectMatrix a(5, 3, true), b(5, 4, true);
   for (int r = 0; r < 5; ++r) {
-    rows.emplace_back(ab.begin() + r * kN, ab.begin() + (r + 1) * kN);
-    av.insert(av.end(), rows.back().begin(), rows.back().begin() + 3);
-    bv.insert(bv.end(), rows.back().begin() + 3, rows.back().end());
+    rows.push_back(zrtest::RandomGeneral(kN, 1, 3 + r).a);
+    for (int j = 0; j < kN; ++j)
+      j < 3 ? a.SetElem(r, j, rows[r][j]) : b.SetElem(r, j - 3, rows[r][j]);
   }
-  const ZRRectMatrix a = Rect(5, 3, av), b = Rect(5, 4, bv);
+  using S = ZRSymMatrix;
   struct {
     int line;
-    std::function<bool(ZRSymMatrix &)> op;
     double w;
     std::vector<Vec> xs;
+    std::function<bool(S &)> op;
   } const cases[] = {
-      {__LINE__, [&](ZRSymMatrix & s) { return s.UpdateXX(x, 0.75); }, 0.75, {x}},
-      {__LINE__, [&](ZRSymMatrix & s) { return s.UpdateXXPosNegW(x, -1.5); }, -1.5, {x}},
-      {__LINE__,
-       [&](ZRSymMatrix & s) {
-         return s.UpdateXXSparse(2, {0, 1, 4}, sv, 2.0);
-       },
-       2.0,
-       {{0, 0, 0.5, -2.0, 0, 0, 0.75}}},
-      {__LINE__,
-       [&](ZRSymMatrix & s) {
-         return s.UpdateXXCornerSparse(3, {0, 2, 3}, sv, 0.5, 4);
-       },
-       0.5,
-       {{0, 0, 0, 0.5, 0, -2.0, 0.75}}},
-      {__LINE__, [&](ZRSymMatrix & s) { return s.UpdateXXNonRedun(x, set, 1.25); }, 1.25, {masked}},
-      {__LINE__, [&](ZRSymMatrix & s) { return s.UpdateZZ(z, y, 0.5), true; }, 0.5, {x}},
-      {__LINE__, [&](ZRSymMatrix & s) { return s.IncrementByVV(x.data(), 3.0), true; }, 3.0, {x}},
-      {__LINE__, [&](ZRSymMatrix & s) { return s.UpdateXXMat2(a, b, 0.5); }, 0.5, rows},
+      {__LINE__, 0.75, {x}, [&](S & s) { return s.UpdateXX(x, 0.75); }},
+      {__LINE__, -1.5, {x}, [&](S & s) { return s.UpdateXXPosNegW(x, -1.5); }},
+      {__LINE__, 2.0, {sparse}, [&](S & s) { return s.UpdateXXSparse(2, at, sv, 2.0); }},
+      {__LINE__, 0.5, {corner}, [&](S & s) { return s.UpdateXXCornerSparse(3, at, sv, 0.5, 4); }},
+      {__LINE__, 1.25, {masked}, [&](S & s) { return s.UpdateXXNonRedun(x, set, 1.25); }},
+      {__LINE__, 0.5, {x}, [&](S & s) { return s.UpdateZZ(z, x.back(), 0.5), true; }},
+      {__LINE__, 3.0, {x}, [&](S & s) { return s.IncrementByVV(x.data(), 3.0), true; }},
+      {__LINE__, 0.5, rows, [&](S & s) { return s.UpdateXXMat2(a, b, 0.5); }},
   };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
@@ -121,36 +85,33 @@ TEST(ZRSymMatrixUpdate, MatchExplicitOuterProducts) {
 }
 
 TEST(ZRSymMatrixUpdate, FailuresLeaveMatrixUnchanged) {
-  const ZRSymMatrix s0 = RandomSym(kN, 4);
+  const ZRSymMatrix s0 = zrtest::ToSym(zrtest::RandomSymmetric(kN, 4));
   ZRSymMatrix s = s0;
-  const Vec x = RandomVec(kN, 5), shortX(kN - 1, 1.0), v2{1.0, 2.0};
-  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const Vec x = zrtest::RandomGeneral(kN, 1, 5).a, shortX(kN - 1, 1.0), v2{1.0, 2.0};
   const ZRRectMatrix a(3, 3, true), b(3, 4, true), b5(3, 5, true), b2rows(2, 4, true);
   struct {
     int line;
     bool got, want;
-  } const cases[] = {
-      {__LINE__, s.UpdateXX(x, 0.0), false},
-      {__LINE__, s.UpdateXX(x, -1.0), false},
-      {__LINE__, s.UpdateXX(x, nan), false},
-      {__LINE__, s.UpdateXX(shortX, 1.0), false},
-      {__LINE__, s.UpdateXXPosNegW(x, 0.0), true},  // adds nothing
-      {__LINE__, s.UpdateXXPosNegW(shortX, -1.0), false},
-      {__LINE__, s.UpdateXXSparse(0, {0, 1}, {1.0}, 1.0), false},
-      {__LINE__, s.UpdateXXSparse(0, {1, 0}, v2, 1.0), false},
-      {__LINE__, s.UpdateXXSparse(0, {1, 1}, v2, 1.0), false},
-      {__LINE__, s.UpdateXXSparse(5, {0, 2}, v2, 1.0), false},
-      {__LINE__, s.UpdateXXSparse(-1, {0, 2}, v2, 1.0), false},
-      {__LINE__, s.UpdateXXSparse(0, {0, 2}, v2, 0.0), false},
-      {__LINE__, s.UpdateXXCornerSparse(4, {0}, {1.0}, 1.0, 4), false},
-      {__LINE__, s.UpdateXXCornerSparse(0, {0, 3}, v2, 1.0, 3), false},
-      {__LINE__, s.UpdateXXCornerSparse(0, {}, {}, 1.0, 0), false},
-      {__LINE__, s.UpdateXXNonRedun(x, ZRBitSet(kN - 1), 1.0), false},
-      {__LINE__, s.UpdateXXMat2(a, b5, 1.0), false},
-      {__LINE__, s.UpdateXXMat2(a, b2rows, 1.0), false},
-      {__LINE__, s.UpdateXXMat2(a, b, 0.0), false},
-      {__LINE__, s.SetToVW(x, shortX), false},
-  };
+  } const cases[] = {{__LINE__, s.UpdateXX(x, 0.0), false},
+                     {__LINE__, s.UpdateXX(x, -1.0), false},
+                     {__LINE__, s.UpdateXX(x, std::nan("")), false},
+                     {__LINE__, s.UpdateXX(shortX, 1.0), false},
+                     {__LINE__, s.UpdateXXPosNegW(x, 0.0), true},  // adds nothing
+                     {__LINE__, s.UpdateXXPosNegW(shortX, -1.0), false},
+                     {__LINE__, s.UpdateXXSparse(0, {0, 1}, {1.0}, 1.0), false},
+                     {__LINE__, s.UpdateXXSparse(0, {1, 0}, v2, 1.0), false},
+                     {__LINE__, s.UpdateXXSparse(0, {1, 1}, v2, 1.0), false},
+                     {__LINE__, s.UpdateXXSparse(5, {0, 2}, v2, 1.0), false},
+                     {__LINE__, s.UpdateXXSparse(-1, {0, 2}, v2, 1.0), false},
+                     {__LINE__, s.UpdateXXSparse(0, {0, 2}, v2, 0.0), false},
+                     {__LINE__, s.UpdateXXCornerSparse(4, {0}, {1.0}, 1.0, 4), false},
+                     {__LINE__, s.UpdateXXCornerSparse(0, {0, 3}, v2, 1.0, 3), false},
+                     {__LINE__, s.UpdateXXCornerSparse(0, {}, {}, 1.0, 0), false},
+                     {__LINE__, s.UpdateXXNonRedun(x, ZRBitSet(kN - 1), 1.0), false},
+                     {__LINE__, s.UpdateXXMat2(a, b5, 1.0), false},
+                     {__LINE__, s.UpdateXXMat2(a, b2rows, 1.0), false},
+                     {__LINE__, s.UpdateXXMat2(a, b, 0.0), false},
+                     {__LINE__, s.SetToVW(x, shortX), false}};
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
     EXPECT_EQ(c.got, c.want);
@@ -161,12 +122,10 @@ TEST(ZRSymMatrixUpdate, FailuresLeaveMatrixUnchanged) {
 }
 
 TEST(ZRSymMatrixUpdate, SetToOuterProductsResizeAndOverwrite) {
-  ZRSymMatrix s = RandomSym(5, 6);
+  ZRSymMatrix s = zrtest::ToSym(zrtest::RandomSymmetric(5, 6));
   ASSERT_TRUE(s.SetToVV({1.0, -2.0, 3.0}));
-  EXPECT_EQ(s.GetNRows(), 3);
-  EXPECT_EQ(Packed(s), (Vec{1, -2, 4, 3, -6, 9}));
+  EXPECT_EQ(Packed(s), (Vec{1, -2, 4, 3, -6, 9}));  // and so 3 rows
   ASSERT_TRUE(s.SetToVW({1.0, 2.0}, {3.0, -1.0}));  // v_i w_j + w_i v_j
-  EXPECT_EQ(s.GetNRows(), 2);
   EXPECT_EQ(Packed(s), (Vec{6, 5, -4}));
   ASSERT_TRUE(s.SetToVV({}));
   EXPECT_EQ(s.GetNRows(), 0);
