@@ -64,7 +64,7 @@ double Norm1(const ColMatrix & a) {
   for (int j = 0; j < a.cols; ++j) {
     double s = 0.0;
     for (int i = 0; i < a.rows; ++i) s += std::fabs(a(i, j));
-    best = std::max(best, s);
+    if (!(s <= best)) best = s;  // a NaN column sum must make the norm NaN, not be skipped
   }
   return best;
 }
