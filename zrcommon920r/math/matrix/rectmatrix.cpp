@@ -1,5 +1,6 @@
 // ZRRectMatrix, the dense row-major rectangular matrix, and ZRSparseVector.
 #include "zrcommon920r/math/matrix/rectmatrix.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 
 #include <algorithm>
 #include <climits>
@@ -17,6 +18,10 @@ namespace ZRMath_920 {
 
 namespace {
 
+using matrix_detail::AssignNoThrow;
+using matrix_detail::CopyNoThrow;
+using matrix_detail::ResizeNoThrow;
+
 using ZRCommon_920::kMachineEpsilon;
 using ZRCommon_920::kSysMisValue;
 
@@ -33,40 +38,6 @@ const ZRRectMatrix * AsDense(const IZRRectMatrix & m) {
 }
 ZRRectMatrix * AsDense(IZRRectMatrix & m) {
   return dynamic_cast<ZRRectMatrix *>(&m);
-}
-
-// v.assign(n, x) that reports a failed allocation instead of throwing.
-bool AssignNoThrow(std::vector<double> & v, std::size_t n, double x) {
-  try {
-    v.assign(n, x);
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
-}
-
-bool ResizeNoThrow(std::vector<double> & v, std::size_t n) {
-  try {
-    v.resize(n);
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
-}
-
-bool CopyNoThrow(std::vector<double> & dst, const std::vector<double> & src) {
-  try {
-    dst = src;
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
 }
 
 // Sum of x[k] * y[k] for k = 0 .. n - 1, in that order, in one accumulator.

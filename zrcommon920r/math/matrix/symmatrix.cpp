@@ -2,6 +2,7 @@
 // element access, diagonal edits, zeroing, sub-matrices and expansion, model checks and
 // display. The Cholesky family is in symmatrix_chol.cpp.
 #include "zrcommon920r/math/matrix/symmatrix.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -20,6 +21,10 @@ namespace ZRMath_920 {
 
 namespace {
 
+using matrix_detail::AssignNoThrow;
+using matrix_detail::CopyNoThrow;
+using matrix_detail::ResizeNoThrow;
+
 // Offset of element (i, 0) in the packed buffer. Worked in std::size_t because i (i + 1)
 // overflows an int from i = 46341 on, while the offset itself still fits.
 inline std::size_t RowStart(int i) {
@@ -34,28 +39,6 @@ inline std::size_t Index(int i, int j) {
 // Number of packed elements of a matrix of order n (n >= 0), in 64 bits.
 inline std::int64_t PackedCount(std::int64_t n) {
   return n * (n + 1) / 2;
-}
-
-bool ResizeNoThrow(std::vector<double> & v, std::size_t n) {
-  try {
-    v.resize(n);
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
-}
-
-bool AssignNoThrow(std::vector<double> & v, std::size_t n, double x) {
-  try {
-    v.assign(n, x);
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
 }
 
 // The dense matrix behind an interface reference when its dynamic type is exactly

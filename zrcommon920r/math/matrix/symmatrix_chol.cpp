@@ -12,12 +12,17 @@
 
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace ZRMath_920 {
 
 namespace {
+
+using matrix_detail::AssignNoThrow;
+using matrix_detail::CopyNoThrow;
+using matrix_detail::ResizeNoThrow;
 
 using ZRCommon_920::kSysMisValue;
 
@@ -39,17 +44,6 @@ constexpr double kRescueNorm = 0.9;
 // int from i = 46341 on).
 inline std::size_t RowStart(int i) {
   return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2;
-}
-
-bool AssignNoThrow(std::vector<double> & v, std::size_t n, double x) {
-  try {
-    v.assign(n, x);
-  } catch (const std::bad_alloc &) {
-    return false;
-  } catch (const std::length_error &) {
-    return false;
-  }
-  return true;
 }
 
 // Moves det[0] into 1 <= |det[0]| < 10, keeping det[0] x 10^det[1]. A zero or non-finite
