@@ -44,7 +44,9 @@ TEST(ZRBitSetRanges, CountsMatchPlainLoopsAcrossWords) {
   for (int i = 0; i < 450; ++i) ASSERT_EQ(set.IsIn(i), !bits[i % 150]) << i;
 }
 
-TEST(ZRBitSetRanges, QueriesAndTheirAnswersOutOfRange) {
+// Answers out of range, IsNewFalse (a bit past other's end reads as false) and the order:
+// lexicographic, false first, the bits deciding before the sizes, a prefix the lesser.
+TEST(ZRBitSetRanges, QueriesOrderAndTheirAnswersOutOfRange) {
   const ZRBitSet s = Bits("10110"), o = Bits("10100"), one = Bits("1");
   struct {
     int line, got, want;
@@ -57,14 +59,19 @@ TEST(ZRBitSetRanges, QueriesAndTheirAnswersOutOfRange) {
       {__LINE__, s.IsNewFalse(s, 5), false},     {__LINE__, s.IsNewFalse(o, 5), true},
       {__LINE__, s.IsNewFalse(o, 3), false},     {__LINE__, s.IsNewFalse(one, 9), true},
       {__LINE__, s.IsNewFalse(o, -1), false},    {__LINE__, ZRBitSet(-1).Size(), 0},
-  };  // IsNewFalse reads a bit past other's end as false
+  };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
     EXPECT_EQ(c.got, c.want);
   }
+  EXPECT_TRUE(Bits("011") < Bits("10") && Bits("01") < Bits("010"));
+  EXPECT_FALSE(Bits("010") < Bits("01") || Bits("101") < Bits("101") || Bits("10") == Bits("100"));
 }
 
-TEST(ZRBitSetUpdates, WritesAndRefusalsThatChangeNothing) {
+// Updates of "0110": refused ones change nothing. DoAND and DoOR keep the shorter length
+// (a true bit in the longer operand's tail is dropped), overwrite every bit they keep and
+// allow this set as an operand.
+TEST(ZRBitSetUpdates, WritesRefusalsAndCombinations) {
   struct {
     int line;
     bool (*op)(ZRBitSet &);
@@ -81,6 +88,12 @@ TEST(ZRBitSetUpdates, WritesAndRefusalsThatChangeNothing) {
       {__LINE__, [](ZRBitSet & s) { return s.Duplicate(INT_MAX); }, false, "0110"},
       {__LINE__, [](ZRBitSet & s) { return s.Append(true) == 5; }, true, "01101"},
       {__LINE__, [](ZRBitSet & s) { return (s.Resize(5, true), true); }, true, "11111"},
+      {__LINE__, [](ZRBitSet & s) { return (s.DoOR(Bits("100"), Bits("10001")), true); }, true,
+       "100"},
+      {__LINE__, [](ZRBitSet & s) { return (s.DoAND(Bits("10101"), Bits("110")), true); }, true,
+       "100"},
+      {__LINE__, [](ZRBitSet & s) { return (s.DoAND(s, Bits("110")), true); }, true, "010"},
+      {__LINE__, [](ZRBitSet & s) { return (s.DoOR(Bits("110"), s), true); }, true, "111"},
   };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
@@ -88,29 +101,6 @@ TEST(ZRBitSetUpdates, WritesAndRefusalsThatChangeNothing) {
     EXPECT_EQ(c.op(s), c.ok);
     EXPECT_EQ(s, Bits(c.want));
   }
-}
-
-TEST(ZRBitSetCombine, AndOrKeepTheShorterLengthAndAllowAliasing) {
-  const ZRBitSet a = Bits("110"), b = Bits("10101");
-  ZRBitSet r(9);
-  r.DoOR(a, b);
-  EXPECT_EQ(r, Bits("111"));  // b's true bit 4 is dropped with its tail
-  r.DoAND(b, a);
-  EXPECT_EQ(r, Bits("100"));
-  ZRBitSet x = b;
-  x.DoAND(x, a);
-  EXPECT_EQ(x, Bits("100"));
-  x = b;
-  x.DoOR(a, x);
-  EXPECT_EQ(x, Bits("111"));
-}
-
-TEST(ZRBitSetOrder, LexicographicFalseFirstPrefixLesser) {
-  EXPECT_TRUE(Bits("011") < Bits("10"));  // the bits decide before the sizes
-  EXPECT_TRUE(Bits("01") < Bits("010"));
-  EXPECT_FALSE(Bits("010") < Bits("01"));
-  EXPECT_FALSE(Bits("101") < Bits("101"));
-  EXPECT_FALSE(Bits("10") == Bits("100"));
 }
 
 TEST(ZRBitSetDisplay, ExactText) {

@@ -242,28 +242,22 @@ TEST(ZRMathFunSearch, BinSearchMatchesLinearScan) {
 }
 
 TEST(ZRMathFunSearch, FindTwoLargest) {
-  struct {
-    int line;
-    Vec x;
-    bool nonMiss;
-    double a, b;
-  } const cases[] = {{__LINE__, {}, false, kMiss, kMiss},
-                     {__LINE__, {4}, false, 4, kMiss},
-                     {__LINE__, {1, 5, 3, 5}, false, 5, 5},
-                     {__LINE__, {9, 1, 3, 2}, false, 9, 3},
-                     {__LINE__, {kMiss, 2, kMiss}, false, 2, kMiss},
-                     {__LINE__, {kNaN, 2, kNaN, 1}, false, 2, 1},
-                     {__LINE__, {kMiss, 2, kMiss, 1}, true, 2, 1},
-                     {__LINE__, {kMiss}, true, kMiss, kMiss},
-                     {__LINE__, {kMiss, kMiss, 3}, true, 3, kMiss},
-                     {__LINE__, {-1, -7, -3}, true, -1, -3}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
-    double a = 0, b = 0;
-    (c.nonMiss ? ZRMathFun::FindTwoLargestNonMiss : ZRMathFun::FindTwoLargest)(c.x, a, b);
-    EXPECT_EQ(a, c.a);
-    EXPECT_EQ(b, c.b);
-  }
+  const auto two = [](int line, const Vec & x, bool nonMiss, double a, double b) {
+    SCOPED_TRACE(line);
+    double gotA = 0, gotB = 0;
+    (nonMiss ? ZRMathFun::FindTwoLargestNonMiss : ZRMathFun::FindTwoLargest)(x, gotA, gotB);
+    EXPECT_TRUE(gotA == a && gotB == b) << gotA << ", " << gotB;
+  };
+  two(__LINE__, {}, false, kMiss, kMiss);
+  two(__LINE__, {4}, false, 4, kMiss);
+  two(__LINE__, {1, 5, 3, 5}, false, 5, 5);
+  two(__LINE__, {9, 1, 3, 2}, false, 9, 3);
+  two(__LINE__, {kMiss, 2, kMiss}, false, 2, kMiss);
+  two(__LINE__, {kNaN, 2, kNaN, 1}, false, 2, 1);
+  two(__LINE__, {kMiss, 2, kMiss, 1}, true, 2, 1);
+  two(__LINE__, {kMiss}, true, kMiss, kMiss);
+  two(__LINE__, {kMiss, kMiss, 3}, true, 3, kMiss);
+  two(__LINE__, {-1, -7, -3}, true, -1, -3);
 }
 
 TEST(ZRMathFunTests, DifferencesAndScalarTests) {
@@ -276,13 +270,9 @@ TEST(ZRMathFunTests, DifferencesAndScalarTests) {
              {__LINE__, ZRMathFun::ReplaceIfSmall(-0.0, 1e-6), 1e-6},
              {__LINE__, ZRMathFun::ReplaceIfSmall(1e-9, kNaN), 1e-9},
              {__LINE__, ZRMathFun::ReplaceIfSmall(kNaN, 1), kNaN}});
-  EXPECT_FALSE(ZRMathFun::QLReps(0, 0));
-  EXPECT_TRUE(ZRMathFun::QLReps(1e-17, 1));
-  EXPECT_FALSE(ZRMathFun::QLReps(kEps, 1));
-  EXPECT_FALSE(ZRMathFun::QLReps(kNaN, 1));
-  EXPECT_TRUE(ZRMathFun::IsValidDouble(kMiss));
-  EXPECT_FALSE(ZRMathFun::IsValidDouble(-kInf));
-  EXPECT_FALSE(ZRMathFun::IsValidDouble(kNaN));
+  EXPECT_TRUE(ZRMathFun::QLReps(1e-17, 1) && ZRMathFun::IsValidDouble(kMiss));
+  EXPECT_FALSE(ZRMathFun::QLReps(0, 0) || ZRMathFun::QLReps(kEps, 1) || ZRMathFun::QLReps(kNaN, 1));
+  EXPECT_FALSE(ZRMathFun::IsValidDouble(-kInf) || ZRMathFun::IsValidDouble(kNaN));
 }
 
 TEST(ZRMathFunPolygamma, MatchMpmath) {  // data: tests/data/math/dist/digamma.csv

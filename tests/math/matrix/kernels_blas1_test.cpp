@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <limits>
 #include <random>
+#include <tuple>
 #include <vector>
 
 #include <unistd.h>
@@ -18,11 +19,12 @@ namespace {
 
 using ZRMath_920::Blas1;
 using zrtest::RelErr;
+using Vec = std::vector<double>;
 
-std::vector<double> RandomVector(int n, unsigned seed) {
+Vec RandomVector(int n, unsigned seed) {
   std::mt19937 gen(seed);
   std::uniform_real_distribution<double> u(-2.0, 2.0);
-  std::vector<double> v(n);
+  Vec v(n);
   for (double & x : v) x = u(gen);
   return v;
 }
@@ -40,101 +42,72 @@ TEST(Blas1Vector, MatchPlainLoopsForAllLengthsAndStrides) {
     for (int incx : {1, 2, -1, -3}) {
       for (int incy : {1, 3, -2}) {
         SCOPED_TRACE(testing::Message() << "n=" << n << " incx=" << incx << " incy=" << incy);
-        const int lenx = 1 + 3 * std::max(n, 1), leny = 1 + 3 * std::max(n, 1);
-        std::vector<double> x = RandomVector(lenx, 10 + n), y = RandomVector(leny, 20 + n);
-
+        Vec x = RandomVector(1 + 3 * std::max(n, 1), 10 + n);
+        Vec y = RandomVector(1 + 3 * std::max(n, 1), 20 + n);
         long double dot = 0.0L, asum = 0.0L;
-        for (int k = 0; k < n; ++k) {
-          dot += static_cast<long double>(x[At(n, incx, k)]) * y[At(n, incy, k)];
-          asum += std::fabs(x[At(n, incx, k)]);
+        Vec axpy = y, copy = y, swapX = x, swapY = y, rotX = x, rotY = y, scal = x, gx, gy;
+        for (int k = 0; k < n; ++k) {  // one multiply and one add at most: exact
+          const std::size_t i = At(n, incx, k), j = At(n, incy, k);
+          dot += static_cast<long double>(x[i]) * y[j], asum += std::fabs(x[i]);
+          axpy[j] += 0.75 * x[i], copy[j] = x[i], scal[i] *= -1.5;
+          swapX[i] = y[j], swapY[j] = x[i];
+          rotX[i] = 0.6 * x[i] + 0.8 * y[j], rotY[j] = 0.6 * y[j] - 0.8 * x[i];
         }
         EXPECT_LE(std::fabs(Blas1::DDot(n, x.data(), incx, y.data(), incy) - dot), 1e-14 * n);
         EXPECT_LE(std::fabs(Blas1::DASum(n, x.data(), incx) - asum), 1e-14 * n);
-
-        std::vector<double> want = y, got = y;
-        for (int k = 0; k < n; ++k) want[At(n, incy, k)] += 0.75 * x[At(n, incx, k)];
-        Blas1::Daxpy(n, 0.75, x.data(), incx, got.data(), incy);
-        EXPECT_EQ(got, want);  // one multiply and one add per element: exact
-
-        want = y, got = y;
-        for (int k = 0; k < n; ++k) want[At(n, incy, k)] = x[At(n, incx, k)];
-        Blas1::DCopy(n, x.data(), incx, got.data(), incy);
-        EXPECT_EQ(got, want);
-
-        std::vector<double> wantX = x, gotX = x;
-        want = y, got = y;
-        for (int k = 0; k < n; ++k) std::swap(wantX[At(n, incx, k)], want[At(n, incy, k)]);
-        Blas1::DSwap(n, gotX.data(), incx, got.data(), incy);
-        EXPECT_EQ(gotX, wantX);
-        EXPECT_EQ(got, want);
-
-        const double c = 0.6, s = 0.8;
-        wantX = x, gotX = x, want = y, got = y;
-        for (int k = 0; k < n; ++k) {
-          double & xv = wantX[At(n, incx, k)];
-          double & yv = want[At(n, incy, k)];
-          const double t = c * xv + s * yv;
-          yv = c * yv - s * xv;
-          xv = t;
-        }
-        Blas1::DRot(n, gotX.data(), incx, got.data(), incy, c, s);
-        EXPECT_EQ(gotX, wantX);
-        EXPECT_EQ(got, want);
-
+        Blas1::Daxpy(n, 0.75, x.data(), incx, (gy = y).data(), incy);
+        EXPECT_EQ(gy, axpy);
+        Blas1::DCopy(n, x.data(), incx, (gy = y).data(), incy);
+        EXPECT_EQ(gy, copy);
+        Blas1::DSwap(n, (gx = x).data(), incx, (gy = y).data(), incy);
+        EXPECT_EQ(std::tie(gx, gy), std::tie(swapX, swapY));
+        Blas1::DRot(n, (gx = x).data(), incx, (gy = y).data(), incy, 0.6, 0.8);
+        EXPECT_EQ(std::tie(gx, gy), std::tie(rotX, rotY));
         if (incx > 0) {
-          wantX = x, gotX = x;
-          for (int k = 0; k < n; ++k) wantX[At(n, incx, k)] *= -1.5;
-          Blas1::DScal(n, -1.5, gotX.data(), incx);
-          EXPECT_EQ(gotX, wantX);
+          Blas1::DScal(n, -1.5, (gx = x).data(), incx);
+          EXPECT_EQ(gx, scal);
         }
       }
     }
   }
 }
 
-TEST(Blas1Vector, AxpyWithZeroMultiplierLeavesNaNAlone) {
-  std::vector<double> x{NAN, 1.0}, y{1.0, 2.0};
-  Blas1::Daxpy(2, 0.0, x.data(), 1, y.data(), 1);  // returns at once for a == 0
-  EXPECT_EQ(y, (std::vector<double>{1.0, 2.0}));
-}
-
-TEST(Blas1Vector, NonPositiveStridesOfScalAndNormDoNothing) {
-  std::vector<double> x{3.0, 4.0};
+// Early returns: a == 0 in Daxpy (a NaN in x is never multiplied), non-positive lengths
+// and strides of DScal and DNrm2.
+TEST(Blas1Vector, EarlyReturnsLeaveDataAlone) {
+  Vec x{3.0, 4.0}, y{1.0, 2.0}, nan{NAN, 1.0};
+  Blas1::Daxpy(2, 0.0, nan.data(), 1, y.data(), 1);
   Blas1::DScal(2, 2.0, x.data(), 0);
   Blas1::DScal(2, 2.0, x.data(), -1);
-  EXPECT_EQ(x, (std::vector<double>{3.0, 4.0}));
-  EXPECT_EQ(Blas1::DNrm2(2, x.data(), 0), 0.0);
-  EXPECT_EQ(Blas1::DNrm2(0, x.data(), 1), 0.0);
-  EXPECT_EQ(Blas1::DASum(0, x.data(), 1), 0.0);
-  EXPECT_EQ(Blas1::DDot(-1, x.data(), 1, x.data(), 1), 0.0);
+  EXPECT_TRUE(x == (Vec{3.0, 4.0}) && y == (Vec{1.0, 2.0}));
+  for (double got : {Blas1::DNrm2(2, x.data(), 0), Blas1::DNrm2(0, x.data(), 1),
+                     Blas1::DASum(0, x.data(), 1), Blas1::DDot(-1, x.data(), 1, x.data(), 1)}) {
+    EXPECT_EQ(got, 0.0);
+  }
 }
 
 TEST(Blas1Norm, AgreesWithReferenceAndAvoidsOverflow) {
   for (int n : {1, 2, 5, 17, 100}) {
     for (double scale : {1.0, 1e300, 1e-300}) {
       SCOPED_TRACE(testing::Message() << "n=" << n << " scale=" << scale);
-      std::vector<double> x = RandomVector(2 * n, n);
+      Vec x = RandomVector(2 * n, n);
       for (double & v : x) v *= scale;
       const int two = 2;
       const double want = dnrm2_(&n, x.data(), &two);
       EXPECT_LE(RelErr(Blas1::DNrm2(n, x.data(), 2), want), 4e-16 * n);  // ~1 ulp per term
     }
   }
-  std::vector<double> zeros(7, 0.0), single{-2.5}, nan{1.0, NAN, 2.0};
+  Vec zeros(7, 0.0), single{-2.5}, nan{1.0, NAN, 2.0}, pair{3e300, 4e300};
   EXPECT_EQ(Blas1::DNrm2(7, zeros.data(), 1), 0.0);
   EXPECT_EQ(Blas1::DNrm2(1, single.data(), 1), 2.5);
   EXPECT_TRUE(std::isnan(Blas1::DNrm2(3, nan.data(), 1)));  // a NaN is a non-zero element
-  std::vector<double> pair{3e300, 4e300};
   EXPECT_LE(RelErr(Blas1::DNrm2(2, pair.data(), 1), 5e300), 2.3e-16);
-}
-
-TEST(Blas1Norm, IDAMaxFindsFirstLargestOneBased) {
-  std::vector<double> x{1.0, -4.0, 2.0, 4.0, -4.0};
-  EXPECT_EQ(Blas1::IDAMax(0, x.data(), 1), 0);
-  EXPECT_EQ(Blas1::IDAMax(1, x.data(), 1), 1);
-  EXPECT_EQ(Blas1::IDAMax(5, x.data(), 1), 2);  // first of the ties
-  EXPECT_EQ(Blas1::IDAMax(3, x.data(), 2), 3);  // elements 1, 2, -4
-  EXPECT_EQ(Blas1::IDAMax(5, x.data(), 0), 0);
+  // IDAMax: 1-based, the first of ties; elements 1, 2, -4 at stride 2.
+  Vec m{1.0, -4.0, 2.0, 4.0, -4.0};
+  const int found[] = {Blas1::IDAMax(0, m.data(), 1), Blas1::IDAMax(1, m.data(), 1),
+                       Blas1::IDAMax(5, m.data(), 1), Blas1::IDAMax(3, m.data(), 2),
+                       Blas1::IDAMax(5, m.data(), 0)};
+  EXPECT_EQ(std::vector<int>(found, found + 5), (std::vector<int>{0, 1, 2, 3, 0}));
 }
 
 // r carries the sign of the larger of |a|, |b| (b on a tie); z is 1 / c only when
@@ -145,6 +118,7 @@ TEST(Blas1Rotation, RotGMatchesReferenceAndReconstructionRule) {
     double a, b;
     bool zIsInverseC;
   } const cases[] = {
+      {__LINE__, 0.0, 0.0, false},   // identity: c = 1, s = 0, z = s
       {__LINE__, 0.0, -1.0, false},  // c == 0: z = s, not 1
       {__LINE__, 1.0, -3.0, true},  {__LINE__, 3.0, -1.0, false},
       {__LINE__, 3.0, 4.0, true},   {__LINE__, -3.0, -4.0, true},  // r = -5: c = 3/5, s = 4/5
@@ -153,7 +127,7 @@ TEST(Blas1Rotation, RotGMatchesReferenceAndReconstructionRule) {
   };
   for (const auto & cs : cases) {
     SCOPED_TRACE(cs.line);
-    double a = cs.a, b = cs.b, c = 0.0, s = 0.0;
+    double a = cs.a, b = cs.b, c = -7.0, s = -7.0;
     Blas1::DRotG(&a, &b, &c, &s);
     double ra = cs.a, rb = cs.b, rc = 0.0, rs = 0.0;
     drotg_(&ra, &rb, &rc, &rs);
@@ -163,30 +137,8 @@ TEST(Blas1Rotation, RotGMatchesReferenceAndReconstructionRule) {
     // The rotation annihilates b: -s a + c b == 0 and c a + s b == r.
     EXPECT_LE(std::fabs(-s * cs.a + c * cs.b), 4e-16 * std::fabs(a));
     EXPECT_LE(RelErr(c * cs.a + s * cs.b, a), 4e-16);
-    if (cs.zIsInverseC) {
-      EXPECT_EQ(b, 1.0 / c);
-    } else {
-      EXPECT_EQ(b, s);
-    }
+    EXPECT_EQ(b, cs.zIsInverseC ? 1.0 / c : s);
   }
-}
-
-TEST(Blas1Rotation, RotGOfZeroIsIdentity) {
-  double a = 0.0, b = 0.0, c = -7.0, s = -7.0;
-  Blas1::DRotG(&a, &b, &c, &s);
-  EXPECT_EQ(a, 0.0);
-  EXPECT_EQ(c, 1.0);
-  EXPECT_EQ(s, 0.0);
-  EXPECT_EQ(b, 0.0);  // z = s
-}
-
-TEST(Blas1Rotation, RotGSignsForNegativeB) {
-  double a = 0.0, b = -1.0, c = 0.0, s = 0.0;
-  Blas1::DRotG(&a, &b, &c, &s);
-  EXPECT_EQ(a, -1.0);
-  EXPECT_EQ(c, 0.0);  // -0.0 compares equal
-  EXPECT_EQ(s, 1.0);
-  EXPECT_EQ(b, 1.0);
 }
 
 TEST(Blas1Machine, ConstantsAreThoseOfIeeeDouble) {
@@ -212,20 +164,15 @@ TEST(Blas1Machine, InvalidJobEndsProcessThroughXErBla) {
 }
 
 TEST(Blas1Helpers, ScalarHelpersFollowTheirOneLineRules) {
-  EXPECT_EQ(Blas1::D_Abs(-2.0), 2.0);
   EXPECT_TRUE(std::signbit(Blas1::D_Abs(std::copysign(NAN, 1.0))));  // NaN is negated
-  EXPECT_EQ(Blas1::D_Max(1.0, 2.0), 2.0);
-  EXPECT_TRUE(std::isnan(Blas1::D_Max(1.0, NAN)));  // a > b fails: b
-  EXPECT_EQ(Blas1::D_Max(NAN, 1.0), 1.0);
-  EXPECT_EQ(Blas1::D_Sign(-0.5), -1.0);
-  EXPECT_EQ(Blas1::D_Sign(-0.0), 1.0);
-  EXPECT_EQ(Blas1::D_Sign(NAN), 1.0);
-  EXPECT_EQ(Blas1::I_Max(-3, 2), 2);
-  EXPECT_EQ(Blas1::I_Min(-3, 2), -3);
-  EXPECT_TRUE(Blas1::LSame('a', 'A'));
-  EXPECT_TRUE(Blas1::LSame('Z', 'z'));
-  EXPECT_FALSE(Blas1::LSame('a', 'b'));
-  EXPECT_FALSE(Blas1::LSame('[', '{'));  // 32 apart but not letters
+  EXPECT_TRUE(std::isnan(Blas1::D_Max(1.0, NAN)));                   // a > b fails: b
+  const double got[] = {Blas1::D_Abs(-2.0),        Blas1::D_Max(1.0, 2.0),   Blas1::D_Max(NAN, 1.0),
+                        Blas1::D_Sign(-0.5),       Blas1::D_Sign(-0.0),      Blas1::D_Sign(NAN),
+                        1.0 * Blas1::I_Max(-3, 2), 1.0 * Blas1::I_Min(-3, 2)};
+  EXPECT_EQ(Vec(got, got + 8), (Vec{2.0, 2.0, 1.0, -1.0, 1.0, 1.0, 2, -3}));
+  // Letters of either case are the same; '[' and '{' are 32 apart but not letters.
+  EXPECT_TRUE(Blas1::LSame('a', 'A') && Blas1::LSame('Z', 'z'));
+  EXPECT_FALSE(Blas1::LSame('a', 'b') || Blas1::LSame('[', '{'));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <climits>
 #include <cmath>
 #include <cstddef>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <string>
@@ -29,25 +30,18 @@ const double kMiss = ZRCommon_920::kSysMisValue;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kEps = 2.220446049250313e-16;
 
-// Rows of a table: the value a call gave and the one it should give.
-struct Num {
+// A row of a table: the results of one or more calls, each of which should be `want`.
+template <typename T>
+struct Case {
   int line;
-  double got, want;
+  std::vector<T> got;
+  T want;
 };
-struct Flag {
-  int line;
-  bool got, want;
-};
-struct Count {
-  int line;
-  int got, want;
-};
-
-template <typename Case, std::size_t N>
-void ExpectTable(const Case (&cases)[N]) {
-  for (const Case & c : cases) {
+template <typename T>
+void ExpectAll(std::initializer_list<Case<T>> cases) {
+  for (const Case<T> & c : cases) {
     SCOPED_TRACE(c.line);
-    EXPECT_EQ(c.got, c.want);
+    for (std::size_t k = 0; k < c.got.size(); ++k) EXPECT_EQ(T(c.got[k]), c.want) << "call " << k;
   }
 }
 
@@ -59,11 +53,17 @@ ZRRectMatrix Make(const Grid & rows) {
   return a;
 }
 
-Grid Rows(const ZRRectMatrix & a) {
+Grid Rows(const IZRRectMatrix & a) {
   Grid out(a.GetNRows(), Vec(a.GetNCols()));
   for (int i = 0; i < a.GetNRows(); ++i)
     for (int j = 0; j < a.GetNCols(); ++j) out[i][j] = a.GetElem(i, j);
   return out;
+}
+
+// The elements of m after an operation that should have succeeded.
+Grid After(bool ok, const IZRRectMatrix & m) {
+  EXPECT_TRUE(ok) << "refused";
+  return Rows(m);
 }
 
 Vec RandomVec(int n, unsigned seed) {
@@ -77,66 +77,55 @@ Vec RandomVec(int n, unsigned seed) {
 ZRRectMatrix Random(int rows, int cols, unsigned seed) {
   const Vec v = RandomVec(rows * cols, seed);
   ZRRectMatrix a(rows, cols, true);
-  for (int i = 0; i < rows; ++i)
-    for (int j = 0; j < cols; ++j) a.SetElem(i, j, v[i * cols + j]);
+  for (int k = 0; k < rows * cols; ++k) a.SetElem(k / cols, k % cols, v[k]);
   return a;
 }
 
-// A matrix that isn't a ZRRectMatrix, so operations take their generic path with it
-// (GetElem, SetNRowsCols, SetElem) or refuse it where a dense one is required.
+// A matrix that isn't a ZRRectMatrix, so operations take their generic path with it or
+// refuse it where a dense one is required. The generic path reads and writes only through
+// the members forwarded here; the others are never called.
 class OtherMatrix : public IZRRectMatrix {
  public:
   using I = IZRRectMatrix;
   using S = ZRSparseVector;
   explicit OtherMatrix(const ZRRectMatrix & m) : m(m) {}
-  const ZRRectMatrix & Dense() const { return m; }
   RectMatrixType GetMatrixType() const override { return kSparseRectMatrix; }
   bool IsValidMatrix() const override { return m.IsValidMatrix(); }
   int GetNRows() const override { return m.GetNRows(); }
   int GetNCols() const override { return m.GetNCols(); }
   double GetElem(int i, int j) const override { return m.GetElem(i, j); }
-  bool GetRow(int i, Vec & v) const override { return m.GetRow(i, v); }
-  bool GetCol(int j, Vec & v) const override { return m.GetCol(j, v); }
-  int AddRow(const S & s) override { return m.AddRow(s); }
-  int AddRow() override { return m.AddRow(); }
-  void Clear() override { m.Clear(); }
-  double ColNorm(int j) const override { return m.ColNorm(j); }
-  bool ComputeMatrixProduct(const I & b, I & c) const override {
-    return m.ComputeMatrixProduct(b, c);
-  }
-  bool ComputeProductMatrixTrans(const I & b, ZRRectMatrix & c) const override {
-    return m.ComputeProductMatrixTrans(b, c);
-  }
-  bool ComputeRV(const Vec & v, Vec & o) const override { return m.ComputeRV(v, o); }
-  bool ComputeVR(const Vec & v, Vec & o) const override { return m.ComputeVR(v, o); }
-  bool CopyColToVec(int j, Vec & v) const override { return m.CopyColToVec(j, v); }
-  bool CopyRows(const I & r, int s, int c) override { return m.CopyRows(r, s, c); }
-  bool CopyRowToRow(int s, int d, I & o) const override { return m.CopyRowToRow(s, d, o); }
-  bool CreateBlockDiagonal(int n, I & d) const override { return m.CreateBlockDiagonal(n, d); }
-  double DotProductCol(int j, int k) const override { return m.DotProductCol(j, k); }
-  double DotProductRows(int i, int k) const override { return m.DotProductRows(i, k); }
-  double DotProductRowCol(int i, const I & b, int j) const override {
-    return m.DotProductRowCol(i, b, j);
-  }
-  double DotProductRowRow(int i, const I & b, int k) const override {
-    return m.DotProductRowRow(i, b, k);
-  }
-  int ExtractColumns(const Idx & x, I & d) const override { return m.ExtractColumns(x, d); }
-  int ExtractRows(const Idx & x, I & d) const override { return m.ExtractRows(x, d); }
-  bool IncrVecByColumn(int j, Vec & v, int s, int c, double f, bool k) const override {
-    return m.IncrVecByColumn(j, v, s, c, f, k);
-  }
-  bool IsRowZero(int i) const override { return m.IsRowZero(i); }
-  bool Resize(int r, int c) override { return m.Resize(r, c); }
-  double RowNorm(int i) const override { return m.RowNorm(i); }
   bool SetElem(int i, int j, double x) override { return m.SetElem(i, j, x); }
   bool SetNRowsCols(int r, int c, bool z) override { return m.SetNRowsCols(r, c, z); }
-  bool SetRow(int i, const S & s) override { return m.SetRow(i, s); }
-  bool ShiftColumns(int k, I & d) const override { return m.ShiftColumns(k, d); }
-  bool ShiftRows(int k, I & d) const override { return m.ShiftRows(k, d); }
-  bool ZeroOutRowPart(int i, int f, int t) override { return m.ZeroOutRowPart(i, f, t); }
-  void Display() const override { m.Display(); }
-  void DisplayF() const override { m.DisplayF(); }
+  bool GetRow(int, Vec &) const override { return false; }
+  bool GetCol(int, Vec &) const override { return false; }
+  int AddRow(const S &) override { return -1; }
+  int AddRow() override { return -1; }
+  void Clear() override {}
+  double ColNorm(int) const override { return 0; }
+  bool ComputeMatrixProduct(const I &, I &) const override { return false; }
+  bool ComputeProductMatrixTrans(const I &, ZRRectMatrix &) const override { return false; }
+  bool ComputeRV(const Vec &, Vec &) const override { return false; }
+  bool ComputeVR(const Vec &, Vec &) const override { return false; }
+  bool CopyColToVec(int, Vec &) const override { return false; }
+  bool CopyRows(const I &, int, int) override { return false; }
+  bool CopyRowToRow(int, int, I &) const override { return false; }
+  bool CreateBlockDiagonal(int, I &) const override { return false; }
+  double DotProductCol(int, int) const override { return 0; }
+  double DotProductRows(int, int) const override { return 0; }
+  double DotProductRowCol(int, const I &, int) const override { return 0; }
+  double DotProductRowRow(int, const I &, int) const override { return 0; }
+  int ExtractColumns(const Idx &, I &) const override { return -1; }
+  int ExtractRows(const Idx &, I &) const override { return -1; }
+  bool IncrVecByColumn(int, Vec &, int, int, double, bool) const override { return false; }
+  bool IsRowZero(int) const override { return false; }
+  bool Resize(int, int) override { return false; }
+  double RowNorm(int) const override { return 0; }
+  bool SetRow(int, const S &) override { return false; }
+  bool ShiftColumns(int, I &) const override { return false; }
+  bool ShiftRows(int, I &) const override { return false; }
+  bool ZeroOutRowPart(int, int, int) override { return false; }
+  void Display() const override {}
+  void DisplayF() const override {}
 
  private:
   ZRRectMatrix m;
@@ -149,18 +138,15 @@ TEST(ZRRectMatrixSizing, FlatResizeAndElementCountPastIntMax) {
   ASSERT_TRUE(emptied.Resize(0, 2));  // storage may remain, but no element (0, 0) exists
   EXPECT_TRUE(emptied.GetColPtr(0) == nullptr && emptied.GetRowPtr(0) == nullptr);
   ZRRectMatrix b = Make({{1, 2, 3}, {4, 5, 6}});  // the flat order is kept
-  EXPECT_TRUE(b.Resize(3, 2));
-  EXPECT_EQ(Rows(b), (Grid{{1, 2}, {3, 4}, {5, 6}}));
-  EXPECT_TRUE(b.Resize(2, 4));
-  EXPECT_EQ(Rows(b), (Grid{{1, 2, 3, 4}, {5, 6, 0, 0}}));
+  EXPECT_EQ(After(b.Resize(3, 2), b), (Grid{{1, 2}, {3, 4}, {5, 6}}));
+  EXPECT_EQ(After(b.Resize(2, 4), b), (Grid{{1, 2, 3, 4}, {5, 6, 0, 0}}));
 
   // 46341^2 passes INT_MAX: refused before any allocation, as flat indices are ints.
   ZRRectMatrix big(46341, 46341, true), tall(INT_MAX, 0, true), wide(0, INT_MAX, true);
   EXPECT_TRUE(big.GetNRows() == -1 && big.GetNCols() == -1 && !big.IsValidMatrix());
   EXPECT_FALSE(b.Resize(65536, 32768) || b.IsValidMatrix() || ZRRectMatrix(b).IsValidMatrix());
-  EXPECT_TRUE(b.AddRow() == -1 && b.AddColumn() == -1);  // an invalid matrix isn't grown
-  EXPECT_TRUE(b.SetNRowsCols(1, 2, true));               // sizing again repairs it
-  EXPECT_EQ(Rows(b), (Grid{{0, 0}}));
+  EXPECT_TRUE(b.AddRow() == -1 && b.AddColumn() == -1);             // an invalid matrix isn't grown
+  EXPECT_EQ(After(b.SetNRowsCols(1, 2, true), b), (Grid{{0, 0}}));  // sizing again repairs it
   EXPECT_TRUE(tall.IsValidMatrix() && tall.AddRow() == -1 && wide.AddColumn() == -1);
   EXPECT_FALSE(tall.IsValidMatrix() || wide.IsValidMatrix());
   const ZRRectMatrix one = Make({{1, 2}});
@@ -181,68 +167,41 @@ TEST(ZRRectMatrixFailure, RefusedArgumentsChangeNothing) {
   const Vec val{1, 2}, one{1};
   // Among them: a D that isn't dense, widths or heights that differ, a B too short for
   // DotProductRowCol to read, not-square ExpandSquare.
-  const Flag flags[] = {{__LINE__, a.ComputeRV(Vec{1.0}, out), false},
-                        {__LINE__, a.ComputeVR(Vec{1.0}, out), false},
-                        {__LINE__, empty.ComputeRDiagV({1, 2}, out), false},
-                        {__LINE__, a.ComputeMatrixProduct(a, d), false},
-                        {__LINE__, a.ComputeProductMatrixTrans(b, d), false},
-                        {__LINE__, a.ComputeAXpY(0.0, r), false},
-                        {__LINE__, d.CopyRows(a, -1, 1), false},
-                        {__LINE__, d.CopyRows(a, 0, 0), false},
-                        {__LINE__, d.CopyRows(a, 1, 2), false},
-                        {__LINE__, d.CopyRows(a, INT_MAX, 1), false},
-                        {__LINE__, d.CopyColumns(a, 2, 2), false},
-                        {__LINE__, a.CopyRowToRow(0, 0, other), false},
-                        {__LINE__, a.CopyRowToRow(0, 0, r), false},
-                        {__LINE__, a.CopyColToCol(0, 0, r), false},
-                        {__LINE__, d.CopyColToRow(b, 0, 0), false},
-                        {__LINE__, a.CreateBlockDiagonal(0, d), false},
-                        {__LINE__, a.CreateBlockDiagonal(2, other), false},
-                        {__LINE__, empty.CreateBlockDiagonal(2, d), false},
-                        {__LINE__, a.ShiftColumns(-1, d), false},
-                        {__LINE__, a.ShiftRows(1, other), false},
-                        {__LINE__, empty.ShiftRows(1, d), false},
-                        {__LINE__, a.ExpandSquare(a, d), false},
-                        {__LINE__, d.ExpandSquare(a, d), false},
-                        {__LINE__, a.ExpandRectangular(b), false},
-                        {__LINE__, a.SetRow(2, ZRSparseVector(idx, val)), false},
-                        {__LINE__, a.SetRow(0, ZRSparseVector(wide, one)), false},
-                        {__LINE__, a.ZeroOutRowPart(0, 2, 1), false},
-                        {__LINE__, a.ZeroOutRowPart(0, 1, 3), false},
-                        {__LINE__, a.ZeroOutRowPart(0, -1, 0), false},
-                        {__LINE__, a.AddToColumn(0, b, 0, 1.0), false},
-                        {__LINE__, a.AddToDiagonal(1.0), false},
-                        {__LINE__, a.ColScale(3, 1.0), false},
-                        {__LINE__, a.ColClean(3, 1.0), false},
-                        {__LINE__, a.ZeroOutCol(-1), false},
-                        {__LINE__, a.DeleteOneCol(3), false},
-                        {__LINE__, a.DeleteOneRow(2), false},
-                        {__LINE__, a.GetCol(3, v), false},
-                        {__LINE__, a.IsRowZero(2), false},
-                        {__LINE__, a.IsColZero(-1), false},
-                        {__LINE__, noCols.IsRowZero(0), false},
-                        {__LINE__, empty.IsColZero(0), false}};
-  ExpectTable(flags);
-  const Count counts[] = {{__LINE__, a.AddRow(ZRSparseVector(wide, one)), -1},
-                          {__LINE__, a.ExtractColumns({0}, other), -1},
-                          {__LINE__, a.ExtractRows({}, other), -1},
-                          {__LINE__, a.FindFirstNonZeroInRow(2, 1.0), -1},
-                          {__LINE__, a.FindFirstNonZeroInRow(0, 0.0), -1},
-                          {__LINE__, a.FindFirstNonZeroInRow(0, kNaN), -1}};
-  ExpectTable(counts);
-  const Num nums[] = {{__LINE__, a.DotProductCol(0, 3), kMiss},
-                      {__LINE__, a.DotProductRows(-1, 0), kMiss},
-                      {__LINE__, a.DotProductRowCol(0, b, 2), kMiss},
-                      {__LINE__, a.DotProductRowCol(0, shortB, 0), kMiss},
-                      {__LINE__, a.DotProductRowRow(0, b, 0), kMiss},
-                      {__LINE__, a.DotProductRowRow(0, a, 2), kMiss},
-                      {__LINE__, a.DotProductColCol(0, b, 0), kMiss},
-                      {__LINE__, a.ColNorm(3), kMiss},
-                      {__LINE__, a.RowNorm(2), kMiss}};
-  ExpectTable(nums);
+  ExpectAll<bool>({
+      {__LINE__, {a.ComputeRV(Vec{1.0}, out), a.ComputeVR(Vec{1.0}, out)}, false},
+      {__LINE__, {empty.ComputeRDiagV({1, 2}, out), a.ComputeAXpY(0.0, r)}, false},
+      {__LINE__, {a.ComputeMatrixProduct(a, d), a.ComputeProductMatrixTrans(b, d)}, false},
+      {__LINE__, {d.CopyRows(a, -1, 1), d.CopyRows(a, 0, 0), d.CopyRows(a, 1, 2)}, false},
+      {__LINE__, {d.CopyRows(a, INT_MAX, 1), d.CopyColumns(a, 2, 2)}, false},
+      {__LINE__, {a.CopyRowToRow(0, 0, other), a.CopyRowToRow(0, 0, r)}, false},
+      {__LINE__, {a.CopyColToCol(0, 0, r), d.CopyColToRow(b, 0, 0)}, false},
+      {__LINE__, {a.CreateBlockDiagonal(0, d), a.CreateBlockDiagonal(2, other)}, false},
+      {__LINE__, {empty.CreateBlockDiagonal(2, d), a.ShiftColumns(-1, d)}, false},
+      {__LINE__, {a.ShiftRows(1, other), empty.ShiftRows(1, d)}, false},
+      {__LINE__, {a.ExpandSquare(a, d), d.ExpandSquare(a, d), a.ExpandRectangular(b)}, false},
+      {__LINE__,
+       {a.SetRow(2, ZRSparseVector(idx, val)), a.SetRow(0, ZRSparseVector(wide, one))},
+       false},
+      {__LINE__, {a.ZeroOutRowPart(0, 2, 1), a.ZeroOutRowPart(0, 1, 3)}, false},
+      {__LINE__, {a.ZeroOutRowPart(0, -1, 0), a.AddToColumn(0, b, 0, 1.0)}, false},
+      {__LINE__, {a.AddToDiagonal(1.0), a.ColScale(3, 1.0), a.ColClean(3, 1.0)}, false},
+      {__LINE__, {a.ZeroOutCol(-1), a.DeleteOneCol(3), a.DeleteOneRow(2), a.GetCol(3, v)}, false},
+      {__LINE__, {a.IsRowZero(2), a.IsColZero(-1), noCols.IsRowZero(0), empty.IsColZero(0)}, false},
+  });
+  ExpectAll<int>({
+      {__LINE__, {a.AddRow(ZRSparseVector(wide, one)), a.ExtractColumns({0}, other)}, -1},
+      {__LINE__, {a.ExtractRows({}, other), a.FindFirstNonZeroInRow(2, 1.0)}, -1},
+      {__LINE__, {a.FindFirstNonZeroInRow(0, 0.0), a.FindFirstNonZeroInRow(0, kNaN)}, -1},
+  });
+  ExpectAll<double>({
+      {__LINE__, {a.DotProductCol(0, 3), a.DotProductRows(-1, 0)}, kMiss},
+      {__LINE__, {a.DotProductRowCol(0, b, 2), a.DotProductRowCol(0, shortB, 0)}, kMiss},
+      {__LINE__, {a.DotProductRowRow(0, b, 0), a.DotProductRowRow(0, a, 2)}, kMiss},
+      {__LINE__, {a.DotProductColCol(0, b, 0), a.ColNorm(3), a.RowNorm(2)}, kMiss},
+  });
   EXPECT_EQ(Rows(a), (Grid{{1, 2, 3}, {4, 5, 6}}));
   EXPECT_EQ(Rows(d), (Grid{{9}}));
-  EXPECT_EQ(Rows(other.Dense()), Rows(a));
+  EXPECT_EQ(Rows(other), Rows(a));
   EXPECT_TRUE(out == Vec{42.0} && v == Vec(4, 0.0));
   EXPECT_TRUE(a.GetRowPtr(2) == nullptr && a.GetColPtr(-1) == nullptr);
 }
@@ -281,18 +240,13 @@ TEST(ZRRectMatrixProduct, MatchesOrderedLoopAndLongDouble) {
 TEST(ZRRectMatrixProduct, AliasesAndGenericOperands) {
   const ZRRectMatrix a = Random(6, 6, 3), b = Random(6, 5, 4);
   ZRRectMatrix want, square, self = a, aat = a, bt = b, viaTrans;
-  ASSERT_TRUE(a.ComputeMatrixProduct(b, want));
-  ASSERT_TRUE(a.ComputeMatrixProduct(a, square));
-  ASSERT_TRUE(self.ComputeMatrixProduct(self, self));  // C is both operands
-  EXPECT_EQ(Rows(self), Rows(square));
-  OtherMatrix ob(b), oc(Make({{1}}));
-  ASSERT_TRUE(a.ComputeMatrixProduct(ob, oc));
-  EXPECT_EQ(Rows(oc.Dense()), Rows(want));
-  bt.Transpose();
-  ASSERT_TRUE(a.ComputeProductMatrixTrans(bt, viaTrans));  // A (B')' = A B, same order
-  EXPECT_EQ(Rows(viaTrans), Rows(want));
-  ASSERT_TRUE(a.ComputeProductMatrixTrans(OtherMatrix(bt), viaTrans));
-  EXPECT_EQ(Rows(viaTrans), Rows(want));
+  ASSERT_TRUE(a.ComputeMatrixProduct(b, want) && a.ComputeMatrixProduct(a, square));
+  EXPECT_EQ(After(self.ComputeMatrixProduct(self, self), self), Rows(square));  // C is both
+  OtherMatrix oc(Make({{1}}));
+  EXPECT_EQ(After(a.ComputeMatrixProduct(OtherMatrix(b), oc), oc), Rows(want));
+  bt.Transpose();  // A (B')' = A B, summed in the same order
+  EXPECT_EQ(After(a.ComputeProductMatrixTrans(bt, viaTrans), viaTrans), Rows(want));
+  EXPECT_EQ(After(a.ComputeProductMatrixTrans(OtherMatrix(bt), viaTrans), viaTrans), Rows(want));
   ASSERT_TRUE(aat.ComputeProductMatrixTrans(aat, aat));
   for (int i = 0; i < 6; ++i) EXPECT_EQ(aat.GetElem(i, i), a.DotProductRows(i, i));
 }
@@ -303,21 +257,16 @@ TEST(ZRRectMatrixProduct, MatrixVectorMatchesOrderedLoops) {
     const int p = 7;
     const ZRRectMatrix a = Random(m, p, 7);
     const Vec v = RandomVec(p + 2, 8), w = RandomVec(m, 9);  // v's surplus is ignored
-    Vec av, wa, raw(m + 1, -1.0), inPlace = v;
-    ASSERT_TRUE(a.ComputeRV(v, av) && a.ComputeVR(w, wa));
-    ASSERT_TRUE(av.size() == static_cast<size_t>(m) && wa.size() == static_cast<size_t>(p));
-    ASSERT_TRUE(a.ComputeRV(v.data(), raw.data()));
+    Vec av, wa, raw(m + 1, -1.0), inPlace = v, wantAv(m, 0.0), wantWa(p, 0.0);
+    ASSERT_TRUE(a.ComputeRV(v, av) && a.ComputeVR(w, wa) && a.ComputeRV(v.data(), raw.data()));
+    for (int i = 0; i < m; ++i)
+      for (int j = 0; j < p; ++j) wantAv[i] += a.GetElem(i, j) * v[j];
+    for (int j = 0; j < p; ++j)
+      for (int i = 0; i < m; ++i) wantWa[j] += w[i] * a.GetElem(i, j);
+    EXPECT_EQ(av, wantAv);
+    EXPECT_EQ(wa, wantWa);
+    EXPECT_EQ(Vec(raw.begin(), raw.end() - 1), wantAv);
     EXPECT_EQ(raw[m], -1.0);  // exactly m elements written
-    for (int i = 0; i < m; ++i) {
-      double sum = 0.0;
-      for (int j = 0; j < p; ++j) sum += a.GetElem(i, j) * v[j];
-      EXPECT_TRUE(av[i] == sum && raw[i] == sum);
-    }
-    for (int j = 0; j < p; ++j) {
-      double sum = 0.0;
-      for (int i = 0; i < m; ++i) sum += w[i] * a.GetElem(i, j);
-      EXPECT_EQ(wa[j], sum);
-    }
     ASSERT_TRUE(a.ComputeRV(inPlace, inPlace));
     EXPECT_EQ(inPlace, av);
   }
@@ -326,148 +275,124 @@ TEST(ZRRectMatrixProduct, MatrixVectorMatchesOrderedLoops) {
   EXPECT_EQ(out, (Vec{1, 3, 5, 2, 4, 6}));  // blocks of 2; the 9 is ignored
 }
 
-TEST(ZRRectMatrixProduct, SparseVectorProducts) {
+TEST(ZRRectMatrixProduct, SparseVectorAndBilinearForms) {
   const ZRRectMatrix a = Make({{1, 2, 3}, {4, 5, 6}});
-  struct {
-    int line;
-    bool rv;  // a s by ComputeRV, else s' a by ComputeVR
-    Idx idx;
-    Vec val;
-    bool ok;
-    Vec want;
-  } const cases[] = {
-      {__LINE__, true, {0, 2}, {10, 1}, true, {13, 46}},
-      {__LINE__, true, {}, {}, true, {0, 0}},
-      {__LINE__, true, {1, 3}, {1, 100}, true, {2, 5}},   // Intended: index 3 passes, adds 0
-      {__LINE__, true, {1, 4}, {1, 100}, false, {0, 0}},  // out is zeroed all the same
-      {__LINE__, true, {1, 2}, {1}, false, {0, 0}},
-      {__LINE__, false, {1}, {2}, true, {8, 10, 12}},
-      {__LINE__, false, {0, 2}, {1, 7}, true, {1, 2, 3}},
-      {__LINE__, false, {3}, {1}, false, {0, 0, 0}}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
+  // a s by ComputeRV, else s' a by ComputeVR; out starts as four -5s.
+  const auto sparse = [&](int line, bool rv, const Idx & idx, const Vec & val, bool ok,
+                          const Vec & want) {
+    SCOPED_TRACE(line);
     Vec out(4, -5.0);
-    EXPECT_EQ(c.rv ? a.ComputeRV(c.idx, c.val, out) : a.ComputeVR(c.idx, c.val, out), c.ok);
-    EXPECT_EQ(out, c.want);
-  }
-}
+    EXPECT_EQ(rv ? a.ComputeRV(idx, val, out) : a.ComputeVR(idx, val, out), ok);
+    EXPECT_EQ(out, want);
+  };
+  sparse(__LINE__, true, {0, 2}, {10, 1}, true, {13, 46});
+  sparse(__LINE__, true, {}, {}, true, {0, 0});
+  sparse(__LINE__, true, {1, 3}, {1, 100}, true, {2, 5});   // Intended: index 3 passes, adds 0
+  sparse(__LINE__, true, {1, 4}, {1, 100}, false, {0, 0});  // out is zeroed all the same
+  sparse(__LINE__, true, {1, 2}, {1}, false, {0, 0});
+  sparse(__LINE__, false, {1}, {2}, true, {8, 10, 12});
+  sparse(__LINE__, false, {0, 2}, {1, 7}, true, {1, 2, 3});
+  sparse(__LINE__, false, {3}, {1}, false, {0, 0, 0});
 
-TEST(ZRRectMatrixProduct, SparseBilinearForms) {
-  const ZRRectMatrix a = Make({{1, 2, 3}, {4, 5, 6}, {7, 8, 10}});
+  const ZRRectMatrix s = Make({{1, 2, 3}, {4, 5, 6}, {7, 8, 10}});
   const Idx i02{0, 2}, i01{0, 1}, i0{0}, i1{1}, i2{2}, none{};
   const Vec v21{2, 1}, v13{1, 3}, v11{1, 1}, v1{1}, v2{2}, empty{};
-  const Num cases[] = {
-      // 2 (a00 + 3 a02) + (a20 + 3 a22) = 2 * 10 + 37
-      {__LINE__, a.ComputeSpVRSpW(0, i02, v21, 0, i02, v13), 57},
-      {__LINE__, a.ComputeVRW(i02, v21, i02, v13), 57},
-      {__LINE__, a.ComputeSpVRSpW(1, i01, v11, 2, i0, v2), 32},  // rows 1, 2 of column 2
-      {__LINE__, a.ComputeSpVRSpW(0, i0, v1, 0, none, empty), 0.0},
-      {__LINE__, a.ComputeVRW(none, empty, i1, v1), 0.0},
-      {__LINE__, a.ComputeSpVRSpW(1, i02, v11, 0, i0, v1), kMiss},  // shifted row 3
-      {__LINE__, a.ComputeSpVRSpW(0, i0, v1, 1, i2, v1), kMiss},    // shifted column 3
-      {__LINE__, a.ComputeSpVRSpW(-1, i0, v1, 0, i0, v1), kMiss},
-      {__LINE__, a.ComputeSpVRSpW(0, i01, v1, 0, i0, v1), kMiss},  // list lengths differ
-      {__LINE__, a.ComputeSpVRSpW(0, i0, v1, INT_MAX, i1, v1), kMiss},
-      {__LINE__, a.ComputeVRW(i0, v1, Idx{3}, v1), kMiss}};
-  ExpectTable(cases);
+  ExpectAll<double>({
+      // 2 (s00 + 3 s02) + (s20 + 3 s22) = 2 * 10 + 37
+      {__LINE__,
+       {s.ComputeSpVRSpW(0, i02, v21, 0, i02, v13), s.ComputeVRW(i02, v21, i02, v13)},
+       57},
+      {__LINE__, {s.ComputeSpVRSpW(1, i01, v11, 2, i0, v2)}, 32},  // rows 1, 2 of column 2
+      {__LINE__,
+       {s.ComputeSpVRSpW(0, i0, v1, 0, none, empty), s.ComputeVRW(none, empty, i1, v1)},
+       0.0},
+      // Shifted row 3, shifted column 3, a bad row, list lengths that differ.
+      {__LINE__,
+       {s.ComputeSpVRSpW(1, i02, v11, 0, i0, v1), s.ComputeSpVRSpW(0, i0, v1, 1, i2, v1)},
+       kMiss},
+      {__LINE__,
+       {s.ComputeSpVRSpW(-1, i0, v1, 0, i0, v1), s.ComputeSpVRSpW(0, i01, v1, 0, i0, v1)},
+       kMiss},
+      {__LINE__,
+       {s.ComputeSpVRSpW(0, i0, v1, INT_MAX, i1, v1), s.ComputeVRW(i0, v1, Idx{3}, v1)},
+       kMiss},
+  });
 }
 
 TEST(ZRRectMatrixProduct, OuterProductAndAxpy) {
   ZRRectMatrix a, y = Make({{1, 2}, {3, 4}}), x = Make({{1, kNaN}, {INFINITY, -1}});
-  ASSERT_TRUE(a.ComputeVecProduct({1, -2}, {3, 0.5, 4}));
-  EXPECT_EQ(Rows(a), (Grid{{3, 0.5, 4}, {-6, -1, -8}}));
-  EXPECT_TRUE(y.ComputeAXpY(0.0, x));  // Intended: 0 times NaN or inf isn't formed
-  EXPECT_EQ(Rows(y), (Grid{{1, 2}, {3, 4}}));
+  EXPECT_EQ(After(a.ComputeVecProduct({1, -2}, {3, 0.5, 4}), a), (Grid{{3, 0.5, 4}, {-6, -1, -8}}));
+  // Intended: 0 times NaN or inf isn't formed.
+  EXPECT_EQ(After(y.ComputeAXpY(0.0, x), y), (Grid{{1, 2}, {3, 4}}));
   ZRRectMatrix ones = Make({{1, 1}, {1, 1}});
-  EXPECT_TRUE(y.ComputeAXpY(-2.0, ones));
-  EXPECT_EQ(Rows(y), (Grid{{-1, 0}, {1, 2}}));
+  EXPECT_EQ(After(y.ComputeAXpY(-2.0, ones), y), (Grid{{-1, 0}, {1, 2}}));
 }
 
 TEST(ZRRectMatrixDot, ExactValuesQuirksAndNorms) {
   const ZRRectMatrix a = Make({{1, 2, 3}, {4, 5, 6}}), c = Make({{1, 1, 1}});
   const ZRRectMatrix b = Make({{1, 0}, {0, 1}, {2, 2}, {9, 9}});
   const ZRRectMatrix noCols(2, 0, true), noRows(0, 3, true);
-  const Num cases[] = {
-      {__LINE__, a.DotProductCol(0, 2), 27},
-      {__LINE__, a.DotProductRows(0, 1), 32},
-      {__LINE__, a.DotProductRowCol(1, b, 1), 17},  // Intended: B's 4th row isn't read
-      {__LINE__, a.DotProductRowCol(1, OtherMatrix(b), 0), 16},
-      {__LINE__, a.DotProductRowRow(1, c, 0), 15},
-      {__LINE__, a.DotProductRowRow(1, OtherMatrix(c), 0), 15},
-      {__LINE__, a.DotProductColCol(2, a, 1), 36},
-      {__LINE__, noRows.DotProductCol(0, 1), 0.0},
-      {__LINE__, noCols.DotProductRows(0, 1), 0.0},
-      {__LINE__, noCols.DotProductRowCol(0, b, 0), 0.0},
-      {__LINE__, noRows.DotProductColCol(0, noRows, 2), 0.0},
+  ExpectAll<double>({
+      {__LINE__, {a.DotProductCol(0, 2)}, 27},
+      {__LINE__, {a.DotProductRows(0, 1)}, 32},
+      {__LINE__, {a.DotProductRowCol(1, b, 1)}, 17},  // Intended: B's 4th row isn't read
+      {__LINE__, {a.DotProductRowCol(1, OtherMatrix(b), 0)}, 16},
+      {__LINE__, {a.DotProductRowRow(1, c, 0), a.DotProductRowRow(1, OtherMatrix(c), 0)}, 15},
+      {__LINE__, {a.DotProductColCol(2, a, 1)}, 36},
+      {__LINE__, {noRows.DotProductCol(0, 1), noCols.DotProductRows(0, 1)}, 0.0},
+      {__LINE__, {noCols.DotProductRowCol(0, b, 0), noRows.DotProductColCol(0, noRows, 2)}, 0.0},
       // Norms by scaled sums: no overflow at 1e300.
-      {__LINE__, Make({{3}, {4}}).ColNorm(0), 5.0},
-      {__LINE__, Make({{3, 1e300}}).RowNorm(0), 1e300},
-      {__LINE__, Make({{1e300, 1e300}}).RowNorm(0) / 1e300, std::sqrt(2.0)},
-      {__LINE__, noRows.ColNorm(1), 0.0}};
-  ExpectTable(cases);
+      {__LINE__, {Make({{3}, {4}}).ColNorm(0)}, 5.0},
+      {__LINE__, {Make({{3, 1e300}}).RowNorm(0)}, 1e300},
+      {__LINE__, {Make({{1e300, 1e300}}).RowNorm(0) / 1e300}, std::sqrt(2.0)},
+      {__LINE__, {noRows.ColNorm(1)}, 0.0},
+  });
 }
 
-TEST(ZRRectMatrixCopy, RowsAndColumns) {
+TEST(ZRRectMatrixCopy, RowsColumnsAndBlocks) {
   const ZRRectMatrix a = Make({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
   ZRRectMatrix r, self = a, own = a, d(2, 3, true), e(3, 3, true);
-  EXPECT_TRUE(r.CopyRows(OtherMatrix(a), 0, 1));
-  EXPECT_EQ(Rows(r), (Grid{{1, 2, 3}}));
-  EXPECT_TRUE(self.CopyRows(self, 1, 2));
-  EXPECT_EQ(Rows(self), (Grid{{4, 5, 6}, {7, 8, 9}}));
-  EXPECT_TRUE(r.CopyColumns(a, 1, 2));
-  EXPECT_EQ(Rows(r), (Grid{{2, 3}, {5, 6}, {8, 9}}));
-  EXPECT_TRUE(a.CopyRowToRow(2, 1, d));
-  EXPECT_EQ(Rows(d), (Grid{{0, 0, 0}, {7, 8, 9}}));
-  EXPECT_TRUE(a.CopyColToCol(0, 2, e));
-  EXPECT_EQ(Rows(e), (Grid{{0, 0, 1}, {0, 0, 4}, {0, 0, 7}}));
-  EXPECT_TRUE(own.CopyColToRow(own, 0, 2));  // (2, 0) must be read before row 2 is written
-  EXPECT_EQ(Rows(own), (Grid{{1, 2, 3}, {4, 5, 6}, {1, 4, 7}}));
+  EXPECT_EQ(After(r.CopyRows(OtherMatrix(a), 0, 1), r), (Grid{{1, 2, 3}}));
+  EXPECT_EQ(After(self.CopyRows(self, 1, 2), self), (Grid{{4, 5, 6}, {7, 8, 9}}));
+  EXPECT_EQ(After(r.CopyColumns(a, 1, 2), r), (Grid{{2, 3}, {5, 6}, {8, 9}}));
+  EXPECT_EQ(After(a.CopyRowToRow(2, 1, d), d), (Grid{{0, 0, 0}, {7, 8, 9}}));
+  EXPECT_EQ(After(a.CopyColToCol(0, 2, e), e), (Grid{{0, 0, 1}, {0, 0, 4}, {0, 0, 7}}));
+  // (2, 0) must be read before row 2 is written.
+  EXPECT_EQ(After(own.CopyColToRow(own, 0, 2), own), (Grid{{1, 2, 3}, {4, 5, 6}, {1, 4, 7}}));
   Vec v{1, 2, 3, 4, 5};
   EXPECT_FALSE(a.CopyColToVec(-1, v));  // resized all the same
   EXPECT_EQ(v, (Vec{1, 2, 3}));
-  EXPECT_TRUE(a.GetCol(1, v));
-  EXPECT_EQ(v, (Vec{2, 5, 8}));
-}
+  EXPECT_TRUE(a.GetCol(1, v) && v == (Vec{2, 5, 8}));
 
-TEST(ZRRectMatrixCopy, BlockShapes) {
-  const ZRRectMatrix a = Make({{1, 2}, {3, 4}}), r = Make({{5, 6}});
-  ZRRectMatrix d, self = a, grow = a;
-  ASSERT_TRUE(a.CreateBlockDiagonal(2, d));
-  EXPECT_EQ(Rows(d), (Grid{{1, 2, 0, 0}, {3, 4, 0, 0}, {0, 0, 1, 2}, {0, 0, 3, 4}}));
-  ASSERT_TRUE(a.ShiftColumns(1, d));
-  EXPECT_EQ(Rows(d), (Grid{{0, 1, 2}, {0, 3, 4}}));
-  ASSERT_TRUE(a.ShiftRows(1, d));
-  EXPECT_EQ(Rows(d), (Grid{{0, 0}, {1, 2}, {3, 4}}));
-  ASSERT_TRUE(self.ShiftColumns(1, self) && self.CreateBlockDiagonal(1, self));
-  EXPECT_EQ(Rows(self), (Grid{{0, 1, 2}, {0, 3, 4}}));
-  ASSERT_TRUE(a.ExpandSquare(r, d));
-  EXPECT_EQ(Rows(d), (Grid{{1, 2, 5}, {3, 4, 6}, {5, 6, 0}}));
-  ASSERT_TRUE(grow.ExpandRectangular(r) && grow.ExpandRectangular(grow));
-  EXPECT_EQ(Rows(grow), (Grid{{1, 2}, {3, 4}, {5, 6}, {1, 2}, {3, 4}, {5, 6}}));
+  const ZRRectMatrix s = Make({{1, 2}, {3, 4}}), row = Make({{5, 6}});
+  ZRRectMatrix t, shifted = s, grow = s;
+  EXPECT_EQ(After(s.CreateBlockDiagonal(2, t), t),
+            (Grid{{1, 2, 0, 0}, {3, 4, 0, 0}, {0, 0, 1, 2}, {0, 0, 3, 4}}));
+  EXPECT_EQ(After(s.ShiftColumns(1, t), t), (Grid{{0, 1, 2}, {0, 3, 4}}));
+  EXPECT_EQ(After(s.ShiftRows(1, t), t), (Grid{{0, 0}, {1, 2}, {3, 4}}));
+  const bool ok = shifted.ShiftColumns(1, shifted) && shifted.CreateBlockDiagonal(1, shifted);
+  EXPECT_EQ(After(ok, shifted), (Grid{{0, 1, 2}, {0, 3, 4}}));
+  EXPECT_EQ(After(s.ExpandSquare(row, t), t), (Grid{{1, 2, 5}, {3, 4, 6}, {5, 6, 0}}));
+  EXPECT_EQ(After(grow.ExpandRectangular(row) && grow.ExpandRectangular(grow), grow),
+            (Grid{{1, 2}, {3, 4}, {5, 6}, {1, 2}, {3, 4}, {5, 6}}));
 }
 
 TEST(ZRRectMatrixCopy, ExtractSkipsAndTestsOnlyTheLastIndex) {
   const ZRRectMatrix a = Make({{1, 2, 3}, {4, 5, 6}});
-  struct {
-    int line;
-    bool cols;
-    Idx idx;
-    int want;
-    Grid result;
-  } const cases[] = {{__LINE__, true, {-1, 1}, 1, {{2}, {5}}},
-                     {__LINE__, true, {2, 0, 2}, 3, {{3, 1, 3}, {6, 4, 6}}},
-                     {__LINE__, true, {7, 1}, 1, {{2}, {5}}},  // Intended: 7 isn't refused
-                     {__LINE__, true, {}, 0, Grid(2)},
-                     {__LINE__, true, {0, 3}, -1, {{9}}},
-                     {__LINE__, false, {-4, 1}, 1, {{4, 5, 6}}},
-                     {__LINE__, false, {1, 0}, 2, {{4, 5, 6}, {1, 2, 3}}},
-                     {__LINE__, false, {2}, -1, {{9}}}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
+  const auto extract = [&](int line, bool cols, const Idx & idx, int want, const Grid & result) {
+    SCOPED_TRACE(line);
     ZRRectMatrix d = Make({{9}});
-    EXPECT_EQ(c.cols ? a.ExtractColumns(c.idx, d) : a.ExtractRows(c.idx, d), c.want);
-    EXPECT_EQ(Rows(d), c.result);
-  }
+    EXPECT_EQ(cols ? a.ExtractColumns(idx, d) : a.ExtractRows(idx, d), want);
+    EXPECT_EQ(Rows(d), result);
+  };
+  extract(__LINE__, true, {-1, 1}, 1, {{2}, {5}});
+  extract(__LINE__, true, {2, 0, 2}, 3, {{3, 1, 3}, {6, 4, 6}});
+  extract(__LINE__, true, {7, 1}, 1, {{2}, {5}});  // Intended: 7 isn't refused
+  extract(__LINE__, true, {}, 0, Grid(2));
+  extract(__LINE__, true, {0, 3}, -1, {{9}});
+  extract(__LINE__, false, {-4, 1}, 1, {{4, 5, 6}});
+  extract(__LINE__, false, {1, 0}, 2, {{4, 5, 6}, {1, 2, 3}});
+  extract(__LINE__, false, {2}, -1, {{9}});
   ZRRectMatrix self = a;
   EXPECT_EQ(self.ExtractColumns({2, 0}, self), 2);
   EXPECT_EQ(Rows(self), (Grid{{3, 1}, {6, 4}}));
@@ -477,17 +402,15 @@ TEST(ZRRectMatrixCopy, GrowDeleteTranspose) {
   ZRRectMatrix a = Make({{1, 2}, {3, 4}, {5, 6}}), empty;
   const Idx idx{0, 2};
   const Vec val{7, 8};
-  const Count counts[] = {{__LINE__, a.AddColumn(), 3},
-                          {__LINE__, a.AddRow(ZRSparseVector(idx, val)), 4},
-                          {__LINE__, a.AddRow(), 5},
-                          {__LINE__, empty.AddColumn(), 1},
-                          {__LINE__, empty.AddRow(), 1}};
-  ExpectTable(counts);
+  ExpectAll<int>({{__LINE__, {a.AddColumn()}, 3},
+                  {__LINE__, {a.AddRow(ZRSparseVector(idx, val))}, 4},
+                  {__LINE__, {a.AddRow()}, 5},
+                  {__LINE__, {empty.AddColumn(), empty.AddRow()}, 1}});
   EXPECT_EQ(Rows(empty), (Grid{{0}}));
-  EXPECT_TRUE(a.SetRow(0, ZRSparseVector(idx, val)));
-  EXPECT_EQ(Rows(a), (Grid{{7, 0, 8}, {3, 4, 0}, {5, 6, 0}, {7, 0, 8}, {0, 0, 0}}));
-  EXPECT_TRUE(a.DeleteOneCol(1) && a.DeleteOneRow(0));
-  EXPECT_EQ(Rows(a), (Grid{{3, 0}, {5, 0}, {7, 8}, {0, 0}}));
+  EXPECT_EQ(After(a.SetRow(0, ZRSparseVector(idx, val)), a),
+            (Grid{{7, 0, 8}, {3, 4, 0}, {5, 6, 0}, {7, 0, 8}, {0, 0, 0}}));
+  EXPECT_EQ(After(a.DeleteOneCol(1) && a.DeleteOneRow(0), a),
+            (Grid{{3, 0}, {5, 0}, {7, 8}, {0, 0}}));
   for (const auto & [in, out] :
        {std::pair{Grid{{1, 2, 3}, {4, 5, 6}}, Grid{{1, 4}, {2, 5}, {3, 6}}},
         std::pair{Grid{{1, 2}, {3, 4}}, Grid{{1, 3}, {2, 4}}},
@@ -500,37 +423,31 @@ TEST(ZRRectMatrixCopy, GrowDeleteTranspose) {
 
 TEST(ZRRectMatrixElements, IncrVecByColumnChecks) {
   const ZRRectMatrix a = Make({{1, 2}, {3, 4}, {5, 6}});
-  struct {
-    int line, j, start, count;
-    bool check, ok;
-    Vec want;
-  } const cases[] = {{__LINE__, 1, 1, 2, true, true, {0, 4, 8, 0}},
-                     {__LINE__, 0, 1, 4, false, true, {0, 2, 6, 10}},  // bounded by the rows
-                     {__LINE__, 2, 0, 1, true, false, {0, 0, 0, 0}},
-                     {__LINE__, 0, -1, 1, true, false, {0, 0, 0, 0}},
-                     {__LINE__, 0, 0, 0, true, false, {0, 0, 0, 0}},
-                     {__LINE__, 0, 0, 4, true, false, {0, 0, 0, 0}},  // count past the rows
-                     {__LINE__, 0, 2, 3, true, false, {0, 0, 0, 0}},  // past the end of v
-                     {__LINE__, 0, INT_MAX, 3, true, false, {0, 0, 0, 0}}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
+  const auto incr = [&](int line, int j, int start, int count, bool check, bool ok,
+                        const Vec & want) {
+    SCOPED_TRACE(line);
     Vec v(4, 0.0);
-    EXPECT_EQ(a.IncrVecByColumn(c.j, v, c.start, c.count, 2.0, c.check), c.ok);
-    EXPECT_EQ(v, c.want);
-  }
+    EXPECT_EQ(a.IncrVecByColumn(j, v, start, count, 2.0, check), ok);
+    EXPECT_EQ(v, want);
+  };
+  const Vec zeros(4, 0.0);
+  incr(__LINE__, 1, 1, 2, true, true, {0, 4, 8, 0});
+  incr(__LINE__, 0, 1, 4, false, true, {0, 2, 6, 10});  // bounded by the rows
+  incr(__LINE__, 2, 0, 1, true, false, zeros);
+  incr(__LINE__, 0, -1, 1, true, false, zeros);
+  incr(__LINE__, 0, 0, 0, true, false, zeros);
+  incr(__LINE__, 0, 0, 4, true, false, zeros);  // count past the rows
+  incr(__LINE__, 0, 2, 3, true, false, zeros);  // past the end of v
+  incr(__LINE__, 0, INT_MAX, 3, true, false, zeros);
 }
 
 TEST(ZRRectMatrixElements, ZeroTestsSearchesAndOnes) {
   const ZRRectMatrix a = Make({{0, -0.0, 0}, {0, kNaN, 0}, {0, 1e-3, -2}});
-  const Flag flags[] = {{__LINE__, a.IsRowZero(0), true},   // -0.0 == 0.0
-                        {__LINE__, a.IsRowZero(1), false},  // NaN is non-zero
-                        {__LINE__, a.IsColZero(0), true},
-                        {__LINE__, a.IsColZero(1), false}};
-  ExpectTable(flags);
-  const Count finds[] = {{__LINE__, a.FindFirstNonZeroInRow(2, 1e-4), 1},
-                         {__LINE__, a.FindFirstNonZeroInRow(2, 1e-3), 2},  // above, not equal
-                         {__LINE__, a.FindFirstNonZeroInRow(2, 2.0), -1}};
-  ExpectTable(finds);
+  ExpectAll<bool>({{__LINE__, {a.IsRowZero(0), a.IsColZero(0)}, true},     // -0.0 == 0.0
+                   {__LINE__, {a.IsRowZero(1), a.IsColZero(1)}, false}});  // NaN is non-zero
+  ExpectAll<int>({{__LINE__, {a.FindFirstNonZeroInRow(2, 1e-4)}, 1},
+                  {__LINE__, {a.FindFirstNonZeroInRow(2, 1e-3)}, 2},  // above, not equal
+                  {__LINE__, {a.FindFirstNonZeroInRow(2, 2.0)}, -1}});
   EXPECT_EQ(a.GetColPtr(2)[2 * 3], -2.0);  // the stride is the column count
 
   ZRRectMatrix ones = Make({{1.0 + 1e-9, -1.0 + 1e-9, 1.1, 0.0}});
@@ -576,55 +493,42 @@ TEST(ZRRectMatrixElements, ZeroOutPivotRowAddsUnscaledMultiples) {
 }
 
 TEST(ZRRectMatrixElements, RowMultiples) {
-  const ZRRectMatrix a = Make({{0, 2, 4},
-                               {0, 1, 2},
-                               {0, 1, 2.5},
-                               {0, 0, 0},
-                               {0, 0, 0},
-                               {1, 2, 4},
-                               {0, kNaN, 2},
-                               {1e-300, 1, 2}});
-  struct {
-    int line, i, k;
-    double e1, e2;
-    bool ok;
-    double mult;
-  } const cases[] = {{__LINE__, 0, 1, 6, 3, true, 2.0},
-                     {__LINE__, 1, 0, 3, 6, true, 0.5},
-                     {__LINE__, 0, 1, 6, 3.5, false, 0},  // extra elements disagree
-                     {__LINE__, 0, 2, 6, 3, false, 0},
-                     {__LINE__, 3, 4, 3, -1.5, true, -2.0},  // zero rows: e1 / e2
-                     {__LINE__, 3, 4, 3, 0, false, 0},
-                     {__LINE__, 0, 5, 6, 3, false, 0},
-                     {__LINE__, 6, 1, 2, 2, false, 0},  // NaN refuses
-                     // Within the relative test, but leading zeros must match exactly.
-                     {__LINE__, 1, 7, 3, 3, false, 0},
-                     {__LINE__, 0, 8, 1, 1, false, 0}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
+  const Grid rows{{0, 2, 4}, {0, 1, 2}, {0, 1, 2.5},  {0, 0, 0},
+                  {0, 0, 0}, {1, 2, 4}, {0, kNaN, 2}, {1e-300, 1, 2}};
+  const ZRRectMatrix a = Make(rows);
+  // mult is written only on success.
+  const auto multiple = [&](int line, int i, int k, double e1, double e2, bool ok, double want) {
+    SCOPED_TRACE(line);
     double mult = -123.0;
-    EXPECT_EQ(a.IsERowMultipleOfAnother(c.i, c.k, c.e1, c.e2, mult), c.ok);
-    EXPECT_EQ(mult, c.ok ? c.mult : -123.0);  // written only on success
-  }
+    EXPECT_EQ(a.IsERowMultipleOfAnother(i, k, e1, e2, mult), ok);
+    EXPECT_EQ(mult, ok ? want : -123.0);
+  };
+  multiple(__LINE__, 0, 1, 6, 3, true, 2.0);
+  multiple(__LINE__, 1, 0, 3, 6, true, 0.5);
+  multiple(__LINE__, 0, 1, 6, 3.5, false, 0);  // extra elements disagree
+  multiple(__LINE__, 0, 2, 6, 3, false, 0);
+  multiple(__LINE__, 3, 4, 3, -1.5, true, -2.0);  // zero rows: e1 / e2
+  multiple(__LINE__, 3, 4, 3, 0, false, 0);
+  multiple(__LINE__, 0, 5, 6, 3, false, 0);
+  multiple(__LINE__, 6, 1, 2, 2, false, 0);  // NaN refuses
+  // Within the relative test, but leading zeros must match exactly.
+  multiple(__LINE__, 1, 7, 3, 3, false, 0);
+  multiple(__LINE__, 0, 8, 1, 1, false, 0);
 }
 
 TEST(ZRSparseVector, ValidityDenseViewsAndInnerProducts) {
-  struct {
-    int line;
-    Idx idx;
-    Vec val;
-    bool valid;
-    int minSize;
-  } const cases[] = {
-      {__LINE__, {0, 3, 7}, {1, 2, 3}, true, 8}, {__LINE__, {}, {}, false, 0},
-      {__LINE__, {1, 2}, {1}, false, 3},         {__LINE__, {-1, 2}, {1, 1}, false, 3},
-      {__LINE__, {2, 2}, {1, 1}, false, 3},      {__LINE__, {3, 1}, {1, 1}, false, 2},
-      {__LINE__, {INT_MAX}, {1}, true, -1}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
-    const ZRSparseVector s(c.idx, c.val);
-    EXPECT_TRUE(s.IsValid() == c.valid && s.GetMinVecSize() == c.minSize);
-  }
+  const auto valid = [](int line, const Idx & idx, const Vec & val, bool ok, int minSize) {
+    SCOPED_TRACE(line);
+    const ZRSparseVector s(idx, val);
+    EXPECT_TRUE(s.IsValid() == ok && s.GetMinVecSize() == minSize);
+  };
+  valid(__LINE__, {0, 3, 7}, {1, 2, 3}, true, 8);
+  valid(__LINE__, {}, {}, false, 0);
+  valid(__LINE__, {1, 2}, {1}, false, 3);
+  valid(__LINE__, {-1, 2}, {1, 1}, false, 3);
+  valid(__LINE__, {2, 2}, {1, 1}, false, 3);
+  valid(__LINE__, {3, 1}, {1, 1}, false, 2);
+  valid(__LINE__, {INT_MAX}, {1}, true, -1);
   const Idx idx{1, 3};
   const Vec val{2, -1};
   const ZRSparseVector s(idx, val);
@@ -637,16 +541,19 @@ TEST(ZRSparseVector, ValidityDenseViewsAndInnerProducts) {
   EXPECT_EQ(w, (Vec{1, 1, 7, 1, -2}));
   const int i1[] = {0, 2, 5, 9}, i2[] = {2, 3, 9};
   const double v1[] = {1, 2, 3, 4}, v2[] = {10, 20, 30};
-  const Num nums[] = {
-      {__LINE__, s.GetValue(2), kMiss},
-      {__LINE__, s.InnerProductWithPart(w, 1), 2 * 7 + -1 * -2},
-      {__LINE__, s.InnerProductWithPart(w, 2), kMiss},
-      {__LINE__, ZRSparseVector::InnerProduct(i1, v1, 4, i2, v2, 3), 2 * 10 + 4 * 30},
-      {__LINE__, ZRSparseVector::InnerProduct(i2, v2, 3, i1, v1, 4), 140},
-      {__LINE__, ZRSparseVector::InnerProduct(i1, v1, 0, i2, v2, 3), 0.0},
-      {__LINE__, ZRSparseVector::InnerProduct(i1, v1, -1, i2, v2, 3), kMiss},
-      {__LINE__, ZRSparseVector::InnerProduct(nullptr, v1, 0, i2, v2, 3), kMiss}};
-  ExpectTable(nums);
+  ExpectAll<double>({
+      {__LINE__, {s.GetValue(2), s.InnerProductWithPart(w, 2)}, kMiss},
+      {__LINE__, {s.InnerProductWithPart(w, 1)}, 2 * 7 + -1 * -2},
+      {__LINE__,
+       {ZRSparseVector::InnerProduct(i1, v1, 4, i2, v2, 3),
+        ZRSparseVector::InnerProduct(i2, v2, 3, i1, v1, 4)},
+       2 * 10 + 4 * 30},
+      {__LINE__, {ZRSparseVector::InnerProduct(i1, v1, 0, i2, v2, 3)}, 0.0},
+      {__LINE__,
+       {ZRSparseVector::InnerProduct(i1, v1, -1, i2, v2, 3),
+        ZRSparseVector::InnerProduct(nullptr, v1, 0, i2, v2, 3)},
+       kMiss},
+  });
 }
 
 // Diagnostic text, written out by hand: every line starts with its break.
