@@ -147,4 +147,68 @@ TEST(LinpackDsvdc, NonConvergenceAndEmptyInput) {
   }
 }
 
+// Fault: an infinite element kept a negligibility test true, so the split pass repeated
+// for ever without counting a QR step. Now such input returns with info != 0.
+TEST(LinpackDsvdc, InfiniteElementsReturnWithFailure) {
+  for (double bad : {INFINITY, -INFINITY}) {
+    for (int at = 0; at < 4; ++at) {
+      SCOPED_TRACE(testing::Message() << bad << " at (" << at << ", " << at << ")");
+      ColMatrix x = RandomGeneral(4, 4, 7);
+      x(at, at) = bad;
+      EXPECT_NE(Decompose(x, 11).info, 0);
+    }
+  }
+}
+
+// Fault: elements near the largest double overflowed the sums of the negligibility tests
+// (a wrong split and a hang at 1.797e308, a wrong success, s(1) = 1.247e308 instead of
+// 1.430e308, at 3e307). Scaled by a power of two the routine must give LAPACK's values on
+// the same matrix scaled exactly into range, or report the values that overflow through info.
+TEST(LinpackDsvdc, ExtremeMagnitudesAreScaledOrReported) {
+  constexpr double kMax = 1.7976931348623157e308;
+  const struct {
+    const char * what;
+    double scale;  // applied to a random 4 x 4 matrix; diagonal entry replaced when set
+    double diag;
+  } cases[] = {{"3e307 x random", 3e307, 0.0},       {"1e-300 x random", 1e-300, 0.0},
+               {"4e-320 x random", 4e-320, 0.0},     {"+max on the diagonal", 1.0, kMax},
+               {"-max on the diagonal", 1.0, -kMax}, {"max x random", kMax, 0.0}};
+  for (const auto & c : cases) {
+    for (int at = 0; at < 4; ++at) {
+      SCOPED_TRACE(testing::Message() << c.what << " at " << at);
+      ColMatrix x = RandomGeneral(4, 4, 3);
+      for (double & v : x.a) v *= c.scale;
+      if (c.diag != 0.0) x(at, at) = c.diag;
+      // Reference: LAPACK on x / 2^k, k moving the largest element near 1, values times 2^k.
+      ColMatrix a = x;
+      double amax = 0.0;
+      for (double v : a.a) amax = std::max(amax, std::fabs(v));
+      const int k = std::ilogb(amax);
+      for (double & v : a.a) v = std::ldexp(v, -k);
+      const ColMatrix scaled = a;
+      std::vector<double> want(4), work(1000);
+      const int n = 4, lwork = 1000, one = 1;
+      int info = 0;
+      dgesvd_("N", "N", &n, &n, a.data(), &n, want.data(), nullptr, &one, nullptr, &one,
+              work.data(), &lwork, &info);
+      ASSERT_EQ(info, 0);
+      const Svd d = Decompose(x, 11);
+      int overflowing = 0;
+      for (int i = 0; i < 4; ++i)
+        if (std::ldexp(want[i], k) > kMax) overflowing = i + 1;
+      EXPECT_EQ(d.info, overflowing);
+      // A value of order s(1) eps is absolute noise; a subnormal result is rounded once more.
+      const double tol = 1e-14 * want[0] + std::ldexp(4.9406564584124654e-324, -k);
+      for (int i = overflowing; i < 4; ++i)
+        EXPECT_LE(std::fabs(std::ldexp(d.s[i], -k) - want[i]), tol) << i;
+      if (overflowing == 0 && std::isnormal(want[3]) && std::isnormal(std::ldexp(want[3], k))) {
+        ColMatrix us = d.u;  // U S V' reproduces x, compared at scale 2^-k
+        for (int j = 0; j < 4; ++j)
+          for (int i = 0; i < 4; ++i) us(i, j) *= std::ldexp(d.s[j], -k);
+        EXPECT_LT(ResidualRatio(Multiply(us, Transposed(d.v)), scaled, scaled), 30.0);
+      }
+    }
+  }
+}
+
 }  // namespace

@@ -16,6 +16,36 @@ using namespace linpack_detail;
 // Iterations allowed for each singular value.
 constexpr int kMaxIt = 30;
 
+// A matrix whose largest element lies outside [2^-kScaleExp, 2^kScaleExp] is scaled by a
+// power of two into that range before the reduction, so that no sum of a few elements, no
+// product in the rotations and no shift overflows or underflows (the same bound as
+// LAPACK's dgesvd: about sqrt(tiny) / eps and its reciprocal). Scaling by a power of two
+// is exact, so every other matrix gives the same bits as the published loop.
+constexpr int kScaleExp = 456;
+
+// Largest absolute element of the n x p column-major x; NaN when x holds a NaN.
+double MaxAbs(const double * x, int ldx, int n, int p) {
+  double m = 0.0;
+  for (int j = 0; j < p; ++j) {
+    const double * col = x + static_cast<std::ptrdiff_t>(j) * ldx;
+    for (int i = 0; i < n; ++i) {
+      const double a = std::fabs(col[i]);
+      if (!(a <= m)) m = a;  // a NaN is kept
+    }
+  }
+  return m;
+}
+
+// Power of two that brings a finite, non-zero largest element amax into the safe range,
+// as its exponent; 0 when amax is already inside, zero or not finite.
+int ScaleExponent(double amax) {
+  if (!std::isfinite(amax) || amax == 0.0) return 0;
+  const int e = std::ilogb(amax);
+  if (e > kScaleExp) return kScaleExp - e;
+  if (e < -kScaleExp) return -kScaleExp - e;
+  return 0;
+}
+
 inline double Max5(double a, double b, double c, double d, double e) {
   double m = a;
   if (b > m) m = b;
@@ -31,15 +61,25 @@ inline double Max5(double a, double b, double c, double d, double e) {
 // Guide 1979, ch. 11; Golub and Reinsch 1970, Numer. Math. 14, 403-420). s returns the
 // singular values in decreasing order (s has min(n + 1, p) elements, s(n+1) = 0; e has p).
 // job ab: a = 0 no U, 1 all n columns (u n x n), >= 2 the first min(n, p); b != 0 V (p x p).
-// x is destroyed; work holds n. Tests hold s within 1e-14 s(1) of LAPACK dgesvd and
-// ||X - U S V'||_1 / (max(n, p) ||X||_1 eps) < 30. Returns 0, or m when 30 QR steps fail to
-// split off s(m): s(m+1..) and their vectors are right, and U'XV is still the bidiagonal
-// matrix of s and e (superdiagonal). n < 1 or p < 1: returns 0 and writes nothing.
+// x is destroyed; work holds n. A matrix whose largest element is beyond 2^456 or below
+// 2^-456 is first scaled by a power of two (exact), and s and e are scaled back. Tests hold
+// s within 1e-14 s(1) of LAPACK dgesvd, also at 3e307 and 1e-300, and ||X - U S V'||_1 /
+// (max(n, p) ||X||_1 eps) < 30. Returns 0, or m when 30 QR steps fail to split off s(m),
+// or when more than min(n + 1, p) + 1 split passes follow one another (an infinite
+// element; a NaN ends through the 30 steps): s(m+1..) and their vectors are right, and
+// U'XV is still the bidiagonal matrix of s and e (superdiagonal). A singular value beyond
+// the largest double comes back infinite and info counts it. n < 1 or p < 1: returns 0
+// and writes nothing.
 int Linpack::Dsvdc(double * const x, int ldx, int n, int p, double * const s, double * const e,
                    double * const u, int ldu, double * const v, int ldv, double * const work,
                    int job) {
   // Intended: an empty matrix returns at once; the published code would index s(0), e(0).
   if (n < 1 || p < 1) return 0;
+
+  const int scaleExp = ScaleExponent(MaxAbs(x, ldx, n, p));
+  if (scaleExp != 0) {
+    for (int j = 1; j <= p; ++j) Blas1::DScal(n, std::ldexp(1.0, scaleExp), At(x, ldx, 1, j), 1);
+  }
 
   const int jobu = (job % 100) / 10;
   const int ncu = jobu > 1 ? Min(n, p) : n;
@@ -154,8 +194,13 @@ int Linpack::Dsvdc(double * const x, int ldx, int n, int p, double * const s, do
   // Main iteration loop for the singular values.
   const int mm = m;
   int iter = 0;
+  // Passes that split or deflate without a QR step each shrink the active block, so in
+  // exact and in finite arithmetic at most mm + 1 of them follow one another. An infinite
+  // element keeps a negligibility test true and would repeat such a pass for ever: the
+  // bound ends the loop with info = m, as a failed QR iteration does.
+  int splitPasses = 0;
   while (m != 0) {
-    if (iter >= kMaxIt) {
+    if (iter >= kMaxIt || splitPasses > mm + 1) {
       info = m;
       break;
     }
@@ -204,6 +249,7 @@ int Linpack::Dsvdc(double * const x, int ldx, int n, int p, double * const s, do
       }
     }
     l = l + 1;
+    splitPasses = kase <= 2 ? splitPasses + 1 : 0;
 
     switch (kase) {
       case 1: {
@@ -303,6 +349,17 @@ int Linpack::Dsvdc(double * const x, int ldx, int n, int p, double * const s, do
         break;
       }
     }
+  }
+
+  if (scaleExp != 0) {
+    // Undo the scaling. A singular value beyond the largest double is reported through
+    // info as one that is not right, never as a success.
+    const int ns = Min(n + 1, p);
+    for (int i = 0; i < ns; ++i) {
+      s[i] = std::ldexp(s[i], -scaleExp);
+      if (std::isinf(s[i]) && i + 1 > info) info = i + 1;
+    }
+    for (int i = 0; i < p; ++i) e[i] = std::ldexp(e[i], -scaleExp);
   }
   return info;
 }
