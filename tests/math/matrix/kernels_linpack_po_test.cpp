@@ -229,6 +229,10 @@ TEST(LinpackPositiveDefinite, NotPositiveDefiniteGivesOrderOfFirstBadMinor) {
       {__LINE__, 3, {2.0, 0.0, 0.0, 0.0, 3.0, 0.0, 0.0, 0.0, -1e-300}, 3},
       {__LINE__, 2, {0.0, 0.0, 0.0, 0.0}, 1},
       {__LINE__, 0, {}, 0},  // zero norm
+      // Fault: a NaN pivot passed the test s <= 0.0, leaving info 0 and NaN in the factor.
+      {__LINE__, 2, {kNaN, 1.0, 1.0, 2.0}, 1},
+      {__LINE__, 2, {4.0, 1.0, kNaN, 2.0}, 2},  // off the diagonal: column 2's pivot is NaN
+      {__LINE__, 3, {4.0, 0.0, 0.0, 0.0, 4.0, 0.0, 0.0, 0.0, kNaN}, 3},
   };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
@@ -242,6 +246,11 @@ TEST(LinpackPositiveDefinite, NotPositiveDefiniteGivesOrderOfFirstBadMinor) {
     EXPECT_EQ(Stored(a, std::max(c.n - 1, 0)).Fa(), (std::vector<int>(3, c.info)));
     std::vector<Vec> z;
     EXPECT_EQ(Stored(a, std::max(c.n - 1, 0)).Co(z), Vec(3, 0.0));
+    // Without pivoting Dchdc meets the same bad pivot and returns the rank before it.
+    std::vector<int> jpvt(c.n);
+    Vec work(c.n);
+    EXPECT_EQ(Linpack::Dchdc(a.data(), lda, c.n, work.data(), jpvt.data(), 0),
+              c.info == 0 ? c.n : c.info - 1);
   }
 }
 

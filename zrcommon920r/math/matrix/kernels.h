@@ -160,7 +160,9 @@ class Linpack {
   // Guide 1979, ch. 3). Backward stable: tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30.
   // Returns 0, or the order k of the first leading minor that is not positive definite
   // (its pivot not above 0.0); columns 1..k-1 then hold R, column k above the diagonal is
-  // overwritten, and the strict lower triangle is never touched.
+  // overwritten, and the strict lower triangle is never touched. A NaN pivot is not above
+  // 0.0: a NaN anywhere in column k or before it makes the result k or less (as LAPACK's
+  // dpotrf), never 0 with NaN in the factor.
   static int Dpofa(double * const a, int lda, int n);
 
   // Solves A x = b with the factor R from Dpoco or Dpofa: R'y = b by inner products, then
@@ -187,8 +189,9 @@ class Linpack {
 
   // Cholesky factor R of the positive definite A in packed form, overwriting ap (LINPACK
   // DPPFA, same operations as Dpofa). Tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30.
-  // Returns 0, or the order k of the first leading minor that is not positive definite;
-  // columns 1..k-1 then hold R and column k above the diagonal is overwritten.
+  // Returns 0, or the order k of the first leading minor that is not positive definite (a
+  // NaN pivot included, as in Dpofa); columns 1..k-1 then hold R and column k above the
+  // diagonal is overwritten.
   static int Dppfa(double * const ap, int n);
 
   // Solves A x = b with the packed factor R from Dppco or Dppfa (LINPACK DPPSL); b is
@@ -213,7 +216,8 @@ class Linpack {
   // Cholesky factor R of the positive definite band matrix A with m superdiagonals, in
   // place in the same band form (LINPACK DPBFA, the Dpofa operations restricted to the
   // band). Tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30. Returns 0, or the order k of
-  // the first leading minor that is not positive definite; columns 1..k-1 then hold R.
+  // the first leading minor that is not positive definite (a NaN pivot included, as in
+  // Dpofa); columns 1..k-1 then hold R.
   static int Dpbfa(double * const abd, int lda, int n, int m);
 
   // Solves A x = b with the band factor R from Dpbco or Dpbfa (LINPACK DPBSL); b is
@@ -350,9 +354,10 @@ class Linpack {
   // job 0: no pivoting. Otherwise jpvt(k) > 0 makes column k an initial column, < 0 a final
   // one, 0 free; at each step the largest remaining free diagonal is the pivot. On return
   // jpvt(k) is the original index of the k-th column. Returns p, or k - 1 when the k-th
-  // pivot is not above 0.0: rows 1..k-1 of a then hold R11 and R12 and the trailing block
-  // the unreduced Schur complement. Tests: ||R'R - P'AP||_1 / (p ||A||_1 eps) < 30, exact
-  // ranks of singular matrices, and jpvt and R against LAPACK's dpstrf.
+  // pivot is not above 0.0 (a NaN pivot included): rows 1..k-1 of a then hold R11 and
+  // R12 and the trailing block the unreduced Schur complement. Tests: ||R'R - P'AP||_1 /
+  // (p ||A||_1 eps) < 30, exact ranks of singular matrices, and jpvt and R against
+  // LAPACK's dpstrf.
   static int Dchdc(double * const a, int lda, int p, double * const work, int * const jpvt,
                    int job);
 
@@ -414,10 +419,15 @@ class Linpack {
   // Guide 1979, ch. 11; Golub and Reinsch 1970, Numer. Math. 14, 403-420). s returns the
   // singular values in decreasing order (s has min(n + 1, p) elements, s(n+1) = 0; e has p).
   // job ab: a = 0 no U, 1 all n columns (u n x n), >= 2 the first min(n, p); b != 0 V (p x p).
-  // x is destroyed; work holds n. Tests hold s within 1e-14 s(1) of LAPACK dgesvd and
-  // ||X - U S V'||_1 / (max(n, p) ||X||_1 eps) < 30. Returns 0, or m when 30 QR steps fail to
-  // split off s(m): s(m+1..) and their vectors are right, and U'XV is still the bidiagonal
-  // matrix of s and e (superdiagonal). n < 1 or p < 1: returns 0 and writes nothing.
+  // x is destroyed; work holds n. A matrix whose largest element is beyond 2^456 or below
+  // 2^-456 is first scaled by a power of two (exact), and s and e are scaled back. Tests hold
+  // s within 1e-14 s(1) of LAPACK dgesvd, also at 3e307 and 1e-300, and ||X - U S V'||_1 /
+  // (max(n, p) ||X||_1 eps) < 30. Returns 0, or m when 30 QR steps fail to split off s(m),
+  // or when more than min(n + 1, p) + 1 split passes follow one another (an infinite
+  // element; a NaN ends through the 30 steps): s(m+1..) and their vectors are right, and
+  // U'XV is still the bidiagonal matrix of s and e (superdiagonal). A singular value beyond
+  // the largest double comes back infinite and info counts it. n < 1 or p < 1: returns 0
+  // and writes nothing.
   static int Dsvdc(double * const x, int ldx, int n, int p, double * const s, double * const e,
                    double * const u, int ldu, double * const v, int ldv, double * const work,
                    int job);

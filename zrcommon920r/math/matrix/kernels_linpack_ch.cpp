@@ -47,9 +47,10 @@ void InterchangeUpper(double * const a, int lda, int p, int k, int l) {
 // job 0: no pivoting. Otherwise jpvt(k) > 0 makes column k an initial column, < 0 a final
 // one, 0 free; at each step the largest remaining free diagonal is the pivot. On return
 // jpvt(k) is the original index of the k-th column. Returns p, or k - 1 when the k-th
-// pivot is not above 0.0: rows 1..k-1 of a then hold R11 and R12 and the trailing block
-// the unreduced Schur complement. Tests: ||R'R - P'AP||_1 / (p ||A||_1 eps) < 30, exact
-// ranks of singular matrices, and jpvt and R against LAPACK's dpstrf.
+// pivot is not above 0.0 (a NaN pivot included): rows 1..k-1 of a then hold R11 and
+// R12 and the trailing block the unreduced Schur complement. Tests: ||R'R - P'AP||_1 /
+// (p ||A||_1 eps) < 30, exact ranks of singular matrices, and jpvt and R against
+// LAPACK's dpstrf.
 int Linpack::Dchdc(double * const a, int lda, int p, double * const work, int * const jpvt,
                    int job) {
   int pl = 1;

@@ -33,7 +33,9 @@ bool MultiplyDet(double r, double * const det) {
 // Guide 1979, ch. 3). Backward stable: tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30.
 // Returns 0, or the order k of the first leading minor that is not positive definite
 // (its pivot not above 0.0); columns 1..k-1 then hold R, column k above the diagonal is
-// overwritten, and the strict lower triangle is never touched.
+// overwritten, and the strict lower triangle is never touched. A NaN pivot is not above
+// 0.0: a NaN anywhere in column k or before it makes the result k or less (as LAPACK's
+// dpotrf), never 0 with NaN in the factor.
 int Linpack::Dpofa(double * const a, int lda, int n) {
   for (int j = 1; j <= n; ++j) {
     double s = 0.0;
@@ -46,7 +48,7 @@ int Linpack::Dpofa(double * const a, int lda, int n) {
       s = s + t * t;
     }
     s = aj[j - 1] - s;
-    if (s <= 0.0) return j;
+    if (!(s > 0.0)) return j;  // a NaN pivot fails too, as in LAPACK's dpotrf
     aj[j - 1] = std::sqrt(s);
   }
   return 0;
@@ -217,8 +219,9 @@ void Linpack::Dpodi(double * const a, int lda, int n, double * const det, int jo
 
 // Cholesky factor R of the positive definite A in packed form, overwriting ap (LINPACK
 // DPPFA, same operations as Dpofa). Tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30.
-// Returns 0, or the order k of the first leading minor that is not positive definite;
-// columns 1..k-1 then hold R and column k above the diagonal is overwritten.
+// Returns 0, or the order k of the first leading minor that is not positive definite (a
+// NaN pivot included, as in Dpofa); columns 1..k-1 then hold R and column k above the
+// diagonal is overwritten.
 int Linpack::Dppfa(double * const ap, int n) {
   int jj = 0;
   for (int j = 1; j <= n; ++j) {
@@ -235,7 +238,7 @@ int Linpack::Dppfa(double * const ap, int n) {
     }
     jj = jj + j;
     s = ap[jj - 1] - s;
-    if (s <= 0.0) return j;
+    if (!(s > 0.0)) return j;  // a NaN pivot fails too, as in LAPACK's dpotrf
     ap[jj - 1] = std::sqrt(s);
   }
   return 0;
@@ -428,7 +431,8 @@ void Linpack::Dppdi(double * const ap, int n, double * const det, int job) {
 // Cholesky factor R of the positive definite band matrix A with m superdiagonals, in
 // place in the same band form (LINPACK DPBFA, the Dpofa operations restricted to the
 // band). Tests hold ||R'R - A||_1 / (n ||A||_1 eps) < 30. Returns 0, or the order k of
-// the first leading minor that is not positive definite; columns 1..k-1 then hold R.
+// the first leading minor that is not positive definite (a NaN pivot included, as in
+// Dpofa); columns 1..k-1 then hold R.
 int Linpack::Dpbfa(double * const abd, int lda, int n, int m) {
   for (int j = 1; j <= n; ++j) {
     double s = 0.0;
@@ -446,7 +450,7 @@ int Linpack::Dpbfa(double * const abd, int lda, int n, int m) {
     }
     double * const diag = At(abd, lda, m + 1, j);
     s = *diag - s;
-    if (s <= 0.0) return j;
+    if (!(s > 0.0)) return j;  // a NaN pivot fails too, as in LAPACK's dpotrf
     *diag = std::sqrt(s);
   }
   return 0;
