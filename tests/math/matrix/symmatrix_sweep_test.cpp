@@ -214,7 +214,9 @@ TEST(ZRSymMatrixSweep, RefusalsLeaveMatrixAndSetUnchanged) {
       {__LINE__, {4, 1, 3}, {4}, 1e-8, -1, 0, 2, true, false},
       {__LINE__, {4, 1, 3}, {4, -1}, 1e-8, -1, 0, 2, true, false},
       {__LINE__, {4, 1, 3}, {4, -1}, 1e-8, -1, 0, 2, false, true},
-      {__LINE__, {4, 1, 3}, {4, kNaN}, 1e-8, -1, 0, 2, true, false},
+      // A NaN reference value is data: it passes the check and refuses its own pivot only.
+      {__LINE__, {4, 1, 3}, {4, kNaN}, 1e-8, -1, 0, 2, true, true},
+      {__LINE__, {4, 1, 3}, {kNaN, 3}, 1e-8, -1, 0, 2, true, false},
       {__LINE__, {4, 1, 3}, good, 1e-8, -1, 0, 1, true, false},
       {__LINE__, {4, 1, 3}, good, 1e-8, -1, 1, 1, false, true},  // outside the set: bit kept
   };

@@ -156,8 +156,9 @@ class ZRSymMatrix : public IZRSymMatrix {
   void ChangeSign() override;
   // Generalised inverse through Cholesky factors: out (which may be this object) becomes
   // a copy of this, factored by LTChol(diag, tol), so that a pivot not above
-  // tol * diag[i] is redundant, and replaced by L^-T L^-1, zero in the rows and columns
-  // of redundant pivots. Returns the rank; -1, with out unchanged, when out isn't dense or
+  // tol * diag[i] is redundant (a NaN pivot or diag[i] included, so a NaN in this matrix
+  // shows as an aliased row), and replaced by L^-T L^-1, zero in the rows and columns of
+  // redundant pivots. Returns the rank; -1, with out unchanged, when out isn't dense or
   // diag is shorter than n, and -1 when out cannot be sized. set gets the accepted pivots;
   // minPivot the smallest diagonal element of L (system-missing on -1 or when empty).
   // Tested: at full rank out x A is I, and A out A = A, to scaled residuals below 30.
@@ -176,7 +177,8 @@ class ZRSymMatrix : public IZRSymMatrix {
   // Determinant det[0] x 10^det[1], 1 <= |det[0]| < 10, as the squared product of the
   // diagonal of a Cholesky factor of a copy, LTChol(tol, minPivot): every pivot is measured
   // against tol x the largest diagonal element. A redundant pivot (also any matrix that
-  // isn't positive definite) gives true with det[0] = det[1] = 0.0. Tested against LAPACK's
+  // isn't positive definite, a NaN or infinite pivot, or a valid matrix whose diagonal spans
+  // more than 1 / tol) gives true with det[0] = det[1] = 0.0. Tested against LAPACK's
   // LU to 2 n eps (1 + |log10 det| / n) in log10 det. False, det unchanged, for an empty or
   // invalid matrix, a null det, or tol negative or NaN. The matrix isn't changed.
   bool ComputeDeterminant(double tol, double * const det) const override;
@@ -312,7 +314,8 @@ class ZRSymMatrix : public IZRSymMatrix {
   // 0.0 (NaN is non-zero); columns past set's end don't count. False for a bad row.
   bool IsZeroRow(int i, const ZRBitSet & set) const override;
   // Cholesky factor in place as LTChol(d, tol, check) with d from GetNCheckDiagonal, so
-  // each pivot is measured against tol x the largest diagonal element; minPivot becomes the
+  // each pivot is measured against tol x the largest diagonal element (NaN diagonal elements
+  // passed over; an infinite one makes every pivot redundant); minPivot becomes the
   // smallest diagonal element of L (0.0 when a pivot was redundant). Returns what that
   // returns; minPivot is the system-missing value on -1 and for an empty matrix.
   int LTChol(double tol, double & minPivot, bool check) override;
@@ -323,10 +326,13 @@ class ZRSymMatrix : public IZRSymMatrix {
   // Cholesky factor A = L L' in place, row by row: L(i, j) = (a(i, j) - sum_k<j L(i, k)
   // L(j, k)) / L(j, j), x = a(i, i) - sum_k<i L(i, k)^2, L(i, i) = sqrt(x) when
   // x > tol diag[i]. A pivot not above that (equal included) is redundant: L(i, i) and the
-  // column below it are 0.0, and L L' still reproduces A. Tested ||L L' - A||_1 /
+  // column below it are 0.0, and L L' still reproduces A. A NaN pivot counts as redundant,
+  // and so does any pivot whose diag[i] is NaN or +inf: a NaN in A shows as an aliased row
+  // (a NaN off the diagonal aliases the later of its two rows, whose part of L left of the
+  // diagonal may keep it), not as an error. Tested ||L L' - A||_1 /
   // (n ||A||_1 eps) < 30. Returns the number of redundant pivots, 0 when empty; -1,
   // unchanged, when diag is shorter than n or the matrix invalid, and with check when tol
-  // or an element of diag is negative or NaN.
+  // is negative or NaN or an element of diag is negative.
   int LTChol(const std::vector<double> & diag, double tol, bool check) override;
   // With the factor L stored, returns the number of exact zeros on its diagonal. Job digits
   // as LINPACK's DTRDI (Dongarra et al., LINPACK Users' Guide, SIAM 1979, ch. 6): a units
@@ -336,7 +342,8 @@ class ZRSymMatrix : public IZRSymMatrix {
   // rows are inverted as if it were absent.
   int LTDetInverse(double * const det, int job) override;
   // Inverse of A from its stored factor L: L^-1 in place, then L^-T L^-1. Redundant rows
-  // and columns come out zero, giving a generalised inverse G with A G A = A. Tested
+  // and columns come out zero (also a row that kept a NaN left of a zero pivot), giving a
+  // generalised inverse G with A G A = A. Tested
   // ||I - A G||_1 / (n ||A||_1 ||G||_1 eps) < 30 at full rank, and A G A = A singular.
   // Always true.
   bool LTInverse() override;
@@ -348,9 +355,10 @@ class ZRSymMatrix : public IZRSymMatrix {
   void LTLTransL() override;
   // Generalised solution of A x = b: A is factored in place by LTChol against tol x its own
   // diagonal, then forward and back substitution give x, with x[i] = 0.0 at each redundant
-  // pivot. Returns the number of redundant pivots; the matrix keeps the factor. -1, nothing
-  // changed, when tol isn't above 0 or b has fewer than n elements. b and x may be one
-  // vector. Tested ||A x - b||_1 / (n ||A||_1 ||x||_1 eps) < 30.
+  // pivot (a NaN pivot counts as redundant, as in LTChol). Returns the number of redundant
+  // pivots; the matrix keeps the factor. -1, nothing changed, when tol isn't above 0 or b
+  // has fewer than n elements. b and x may be one vector. Tested ||A x - b||_1 / (n ||A||_1
+  // ||x||_1 eps) < 30.
   int LTSolve(const std::vector<double> & b, double tol, std::vector<double> & x) override;
   // Largest and smallest diagonal element, searched from the lowest and highest finite
   // doubles (NaN passed over). Both untouched for an empty or invalid matrix.
@@ -543,10 +551,12 @@ class ZRSymMatrix : public IZRSymMatrix {
   // ---- Indefinite solves --------------------------------------------------------------
   // Solves A x = b, A symmetric and possibly indefinite or singular: the rows kept by
   // CholIndNonRed(0, 2 tol) on A A, and once more on that sub-matrix, are solved by
-  // Bunch-Kaufman (Linpack::Dspco, Dspsl); x is 0.0 at the rows dropped. Tested ||A x -
-  // b||_1 / (n ||A||_1 ||x||_1 eps) < 30. False, x unchanged, for n < 1, tol negative or
-  // NaN, b shorter than n, no row kept, or a kept sub-matrix with reciprocal condition 0.0.
-  // The matrix isn't changed.
+  // Bunch-Kaufman (Linpack::Dspco, Dspsl); x is 0.0 at the rows dropped. A NaN or infinite
+  // element of A makes its rows of A A non-finite and their pivots redundant: those rows are
+  // dropped (both rows of an element off the diagonal), not reported as an error. Tested
+  // ||A x - b||_1 / (n ||A||_1 ||x||_1 eps) < 30. False, x unchanged, for n < 1, tol
+  // negative or NaN, b shorter than n, no row kept, or a kept sub-matrix with reciprocal
+  // condition 0.0. The matrix isn't changed.
   bool SolveIndefinite(double tol, const std::vector<double> & b, std::vector<double> & x);
   // As SolveIndefinite(tol, b, x) on the rows whose bits are set in set, without a rank
   // search. False, x unchanged, also when set has fewer than n bits or none set.
@@ -560,9 +570,11 @@ class ZRSymMatrix : public IZRSymMatrix {
   // A + s I factors with no redundant pivot against tol x the largest diagonal element d is
   // found by steps of max(|extreme elements|, n - 2) and bisection; then shift = s + 0.01 m
   // (m the largest diagonal of A + s I) is added to the diagonal and the matrix divided by
-  // shift + d. Returns the number of factorisations: 1, changed false, nothing changed, when
-  // A already factors. Nothing changes either on -1 (n < 2), -2 (tol not above 0) or -3 (no
-  // shift within 2 n + 64 steps: a non-finite element, or tol far above 1).
+  // shift + d. The bisection also stops when no double lies between its ends (a tol below
+  // their spacing). Returns the number of factorisations: 1, changed false, nothing changed,
+  // when A already factors. Nothing changes either on -1 (n < 2), -2 (tol not above 0) or -3
+  // (no shift within 2 n + 64 steps: a NaN or infinite element, or tol far above 1; or a
+  // shift, a shifted diagonal or shift + d beyond the largest double).
   int TransformToPositiveDefinite(double tol, bool & changed, double & shift);
 
   // ---- Quadratic forms ----------------------------------------------------------------
@@ -738,9 +750,10 @@ class ZRSymMatrix : public IZRSymMatrix {
   // Sweeps row k in place (A tutorial on the SWEEP operator, The American Statistician 33
   // (1979), 149-158): forward when bit k of set is clear, backward (undoing it) when it is
   // set; the bit is then toggled. Refuses a forward pivot d when tol * diag[k] >= d (or d
-  // is NaN), or when an entered row j would reach a(j, j) - a(j, k)^2 / d with that times
-  // tol * diag[j] not above -1. False on refusal and, with check, on bad arguments (k,
-  // tol <= 0, short set or diag, negative or NaN diag); matrix and set are then unchanged.
+  // or diag[k] is NaN: a NaN pivot counts as redundant), or when an entered row j would
+  // reach a(j, j) - a(j, k)^2 / d with that times tol * diag[j] not above -1 (or NaN).
+  // False on refusal and, with check, on bad arguments (k, tol <= 0, short set or diag,
+  // negative diag); matrix and set are then unchanged.
   // Unchecked, only k is tested. Tested: forward then back restores A to a ratio below 30.
   bool Sweep(int k, double tol, const double * diag, ZRBitSet & set, bool check);
   bool Sweep(int k, double tol, const std::vector<double> & diag, ZRBitSet & set, bool check);
@@ -751,22 +764,26 @@ class ZRSymMatrix : public IZRSymMatrix {
   // pivots with p > 0, p the pivot (logPivot) or its reciprocal. A refused pivot keeps a
   // clear bit and the loop goes on. A null diag means a copy of this diagonal; an empty set
   // gets one bit per row. With check: false, nothing swept and logDet untouched, for n
-  // outside 1 .. rows, tol <= 0, a negative or NaN diag or fewer than n bits; otherwise the
-  // caller's diag is raised in place to at least 1.0. The three many-pivot sweeps are also
-  // false for an invalid matrix. Tested against LAPACK to 1e-13.
+  // outside 1 .. rows, tol <= 0, a negative diag or fewer than n bits; otherwise the
+  // caller's diag is raised in place to at least 1.0 (a NaN stays, and its row is
+  // refused). The three many-pivot sweeps are also false for an invalid matrix. Tested
+  // against LAPACK to 1e-13.
   bool SweepOnMany(int n, double tol, bool logPivot, ZRBitSet & set, double & logDet, bool check,
                    double * diag);
   // Sweeps the listed rows in list order without clearing set, so a row already entered is
   // swept out (a stepwise caller removes a term). Single refusals are ignored; true unless,
-  // with check, diag has a negative or NaN element, set is shorter than n or an index is
-  // out of range (nothing swept). diag as in SweepOnMany; tol is not checked.
+  // with check, diag has a negative element, set is shorter than n or an index is out of
+  // range (nothing swept). diag as in SweepOnMany; tol is not checked.
   bool SweepOnSelected(const std::vector<int> & idx, double tol, ZRBitSet & set, bool check,
                        double * diag);
   // Sizes set to n and clears it, then sweeps every row in order, refusals ignored. With
   // zeroRedundant the rows of clear bits are zeroed; with changeSign all elements are
   // negated: both flags give a generalised inverse (tested: A G A = A, ratio below 30).
-  // With check, false and nothing swept when tol <= 0 or diag has a negative or NaN
-  // element; the two flags still apply then. diag as in SweepOnMany.
+  // With check, false and nothing swept when tol <= 0 or diag has a negative element; the
+  // two flags still apply then. diag as in SweepOnMany. A NaN pivot counts as redundant: a
+  // NaN in the cross-product matrix leaves its row's bit clear (the later row for one off
+  // the diagonal) and, with zeroRedundant, a zero row and column; the rest is the
+  // generalised inverse of the other rows, all finite.
   bool SweepOnAll(double tol, ZRBitSet & set, bool check, bool zeroRedundant, bool changeSign,
                   double * diag);
 

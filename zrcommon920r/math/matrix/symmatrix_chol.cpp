@@ -33,6 +33,9 @@ constexpr double kDetBase = 10.0;
 // the shift found, and how many steps the growing phase may take beyond 2 n.
 constexpr double kShiftMargin = 0.01;
 constexpr int kMaxExtraShiftSteps = 64;
+// Bisection halvings allowed: the width hi - lo halves each time, and from the largest
+// double to below the smallest subnormal takes 2098 halvings.
+constexpr int kMaxBisections = 2200;
 
 // LTCholDowndate: a non-positive diagonal element of the factor is replaced by this share
 // of the largest one; with rescue, the norm of the solved vector is brought down to
@@ -168,8 +171,9 @@ int ZRSymMatrix::LTChol(const std::vector<double> & diag, double tol, bool check
   if (fnRows < 0 || diag.size() < static_cast<std::size_t>(fnRows)) return -1;
   if (check) {
     if (!(tol >= 0.0)) return -1;
+    // A NaN reference value is data, not a bad argument: it refuses its own pivot.
     for (int i = 0; i < fnRows; ++i)
-      if (!(diag[i] >= 0.0)) return -1;
+      if (diag[i] < 0.0) return -1;
   }
   return FactorPacked(fvLowerTri.data(), fnRows, diag.data(), tol, nullptr, nullptr, 0);
 }
@@ -178,8 +182,9 @@ int ZRSymMatrix::LTChol(const std::vector<double> & diag, double tol, ZRBitSet &
   if (fnRows < 0 || diag.size() < static_cast<std::size_t>(fnRows)) return -1;
   if (check) {
     if (!(tol >= 0.0)) return -1;
+    // A NaN reference value is data, not a bad argument: it refuses its own pivot.
     for (int i = 0; i < fnRows; ++i)
-      if (!(diag[i] >= 0.0)) return -1;
+      if (diag[i] < 0.0) return -1;
   }
   try {
     if (set.Size() < fnRows) {
@@ -586,13 +591,15 @@ int ZRSymMatrix::TransformToPositiveDefinite(double tol, bool & changed, double 
     if (FactorShifted(fvLowerTri, n, trial, d.data(), tol, work) == 0) break;
   }
 
+  // Bisection. Halving stops at the tolerance, when no double lies strictly between lo
+  // and hi (a tol below the spacing of doubles is otherwise never met), or at the bound.
   double lo = 0.0, hi = trial;
-  for (;;) {
+  for (int halvings = 0; halvings < kMaxBisections; ++halvings) {
     const double mid = (lo + hi) * 0.5;
     double width = hi - lo;
     if (mid > 1.0) width /= mid;
     width *= 0.5;
-    if (!(width > tol)) break;
+    if (!(width > tol) || !(lo < mid && mid < hi)) break;
     ++count;
     if (FactorShifted(fvLowerTri, n, mid, d.data(), tol, work) == 0) {
       hi = mid;
@@ -601,13 +608,19 @@ int ZRSymMatrix::TransformToPositiveDefinite(double tol, bool & changed, double 
     }
   }
 
-  AddToDiagonal(hi);
+  // The final shift and scale are found before the matrix is touched: one that isn't
+  // finite (a diagonal element plus hi beyond the largest double) is a failed search.
   double largest = 0.0, smallest = 0.0;
   MaxMinDiag(largest, smallest);
+  largest += hi;
+  const double total = hi + kShiftMargin * largest;
+  const double divisor = total + d[0];
+  if (!std::isfinite(largest) || !std::isfinite(total) || !std::isfinite(divisor)) return -3;
+  AddToDiagonal(hi);
   AddToDiagonal(kShiftMargin * largest);
-  shift = hi + kShiftMargin * largest;
+  shift = total;
   // Intended: the result is rescaled by the shift plus the original largest diagonal.
-  MultiplyByNumber(1.0 / (shift + d[0]));
+  MultiplyByNumber(1.0 / divisor);
   changed = true;
   return count;
 }

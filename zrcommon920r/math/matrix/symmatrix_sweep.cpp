@@ -23,20 +23,27 @@ inline std::size_t At(int i, int j) {
                 : RowStart(j) + static_cast<std::size_t>(i);
 }
 
-// The argument tests of a checked sweep: k a row, tol above 0, enough bits in set, and
-// every reference diagonal value non-negative (a NaN counts as bad).
+// No reference diagonal value is negative. A NaN is not: it is data (the diagonal of a
+// cross-product matrix holding a NaN), and it refuses its own pivot in the sweep.
+bool AnyNegative(const double * diag, int n) {
+  for (int i = 0; i < n; ++i)
+    if (diag[i] < 0.0) return true;
+  return false;
+}
+
+// The argument tests of a checked sweep: k a row, tol above 0, enough bits in set, and no
+// negative reference diagonal value.
 bool SweepArgsOk(int n, int k, double tol, const double * diag, const ZRBitSet & set) {
   if (k < 0 || k >= n || !(tol > 0.0) || set.Size() < n || diag == nullptr) return false;
-  for (int i = 0; i < n; ++i)
-    if (!(diag[i] >= 0.0)) return false;
-  return true;
+  return !AnyNegative(diag, n);
 }
 
 // The two forward tests, in this order: the pivot test, then the variance inflation of
 // every entered row; the first failure refuses the pivot.
 bool ForwardPivotAccepted(const double * a, int n, int k, double d, double tol, const double * diag,
                           const ZRBitSet & set) {
-  // Refused when tol * diag[k] >= d; a NaN pivot is refused as well.
+  // Refused when tol * diag[k] >= d; a NaN pivot or reference value is refused as well, so
+  // that a NaN in the matrix shows as an aliased row.
   if (!(tol * diag[k] < d)) return false;
   const int bits = set.Size() < n ? set.Size() : n;
   for (int j = 0; j < bits; ++j) {
@@ -162,12 +169,6 @@ void RaiseToOne(double * diag, int n) {
     if (diag[i] < 1.0) diag[i] = 1.0;
 }
 
-bool AnyNegativeOrNaN(const double * diag, int n) {
-  for (int i = 0; i < n; ++i)
-    if (!(diag[i] >= 0.0)) return true;
-  return false;
-}
-
 // The dense matrix behind out, holding a copy of src unless it is src itself. Null, with
 // out unchanged, when out isn't dense, src is invalid or diag is shorter than src; null
 // also when the copy could not be allocated (out then has fnRows -1).
@@ -243,7 +244,7 @@ bool ZRSymMatrix::SweepOnMany(int n, double tol, bool logPivot, ZRBitSet & set, 
   }
   if (set.Size() == 0) set.Resize(fnRows, false);
   if (check) {
-    if (n < 1 || n > fnRows || !(tol > 0.0) || AnyNegativeOrNaN(diag, fnRows) || set.Size() < n)
+    if (n < 1 || n > fnRows || !(tol > 0.0) || AnyNegative(diag, fnRows) || set.Size() < n)
       return false;
     RaiseToOne(diag, fnRows);
   }
@@ -269,7 +270,7 @@ bool ZRSymMatrix::SweepOnSelected(const std::vector<int> & idx, double tol, ZRBi
   }
   if (set.Size() == 0) set.Resize(fnRows, false);
   if (check) {
-    if (AnyNegativeOrNaN(diag, fnRows) || set.Size() < fnRows) return false;
+    if (AnyNegative(diag, fnRows) || set.Size() < fnRows) return false;
     for (int k : idx)
       if (k < 0 || k >= fnRows) return false;
     RaiseToOne(diag, fnRows);
@@ -291,7 +292,7 @@ bool ZRSymMatrix::SweepOnAll(double tol, ZRBitSet & set, bool check, bool zeroRe
   set.Clear();
   bool ok = true;
   if (check) {
-    ok = tol > 0.0 && !AnyNegativeOrNaN(diag, fnRows);
+    ok = tol > 0.0 && !AnyNegative(diag, fnRows);
     if (ok) RaiseToOne(diag, fnRows);
   }
   if (ok)
