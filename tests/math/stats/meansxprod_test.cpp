@@ -296,7 +296,8 @@ TEST(ZRProvMeansUpdate, RefusalsAndClearing) {
   } const cases[] = {
       {__LINE__, {1.0, 2.0}, 1.0, false, start},  // short case
       {__LINE__, x, -10.5, false, start},         // the count, 10, would become negative
-      {__LINE__, x, std::numeric_limits<double>::quiet_NaN(), false, start},
+      // Intended: a NaN weight is neither positive, negative nor zero: nothing, true.
+      {__LINE__, x, std::numeric_limits<double>::quiet_NaN(), true, start},
       {__LINE__, x, 0.0, true, start},
       {__LINE__, x, -10.0, true, ZRMeansXProdData(3, true)},  // count exactly 0: cleared
   };
@@ -367,6 +368,63 @@ TEST(ZRMeansXProdDataMerge, ShapeRules) {
   EXPECT_FALSE(target.Merge(std::vector<const ZRMeansXProdData *>{}));
   EXPECT_FALSE(target.Merge(std::vector<const ZRMeansXProdData *>{&three, &two}));
   ExpectSame(target, two);
+}
+
+}  // namespace
+
+namespace {
+
+bool AnyNaN(const ZRMeansXProdData & d) {
+  bool nan = std::isnan(d.GetNCases());
+  for (double m : d.GetMeans()) nan = nan || std::isnan(m);
+  for (int i = 0; i < d.GetNVars(); ++i)
+    for (int j = 0; j <= i; ++j) nan = nan || std::isnan(d.GetXProds().GetElem(i, j));
+  return nan;
+}
+
+// No operation tests its input: non-finite values and weights propagate, except through
+// Merge, which passes over a summary whose combined count is NaN (not above 0).
+TEST(ZRMeansXProdDataNonFinite, ValuesAndWeightsPropagate) {
+  const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
+  ZRProvMeans good(2, true);
+  for (const Vec & row : RandomData(4, 2, 5, 1.0)) good.AddCase(row, 1.0);
+  struct {
+    int line;
+    Vec x;
+    double w;
+  } const cases[] = {{__LINE__, {1.0, 2.0}, inf},  // c = N inf / inf is NaN
+                     {__LINE__, {1.0, 2.0}, nan},
+                     {__LINE__, {nan, 2.0}, 1.0},
+                     {__LINE__, {inf, 2.0}, 1.0},
+                     {__LINE__, {-1.7976931348623157e308, 1.7976931348623157e308}, 1.0}};
+  for (const auto & c : cases) {
+    SCOPED_TRACE(c.line);
+    ZRProvMeans acc = good;
+    acc.AddCase(c.x, c.w);
+    EXPECT_TRUE(AnyNaN(acc) || std::isinf(acc.GetXProds().GetElem(0, 0)));
+    ZRMeansXProdData merged = good;
+    EXPECT_TRUE(merged.Merge(acc));
+    if (std::isnan(acc.GetNCases())) {
+      ExpectSame(merged, good);  // N + No is NaN, not above 0: passed over
+    } else {
+      EXPECT_TRUE(AnyNaN(merged) || std::isinf(merged.GetXProds().GetElem(0, 0)));
+    }
+  }
+  // Blocks: a NaN weight makes the count NaN; a NaN value its mean and row.
+  ZRMeansXProducts block(2, true, true, false);
+  ZRRectMatrix x = Block(RandomData(6, 2, 7, 1.0), 2, true, false);
+  x.SetElem(3, 2, nan);
+  ASSERT_TRUE(block.Compute(x, 0));
+  EXPECT_TRUE(std::isnan(block.GetNCases()));
+  x.SetElem(3, 2, 1.0);
+  x.SetElem(2, 1, nan);
+  ASSERT_TRUE(block.Compute(x, 0));
+  EXPECT_FALSE(std::isnan(block.GetNCases()) || std::isnan(block.GetMeans()[0]));
+  EXPECT_TRUE(std::isnan(block.GetMeans()[1]) && std::isnan(block.GetXProds().GetElem(1, 0)));
+  // No rows: nothing is read (not even row 0's weight), count 0, true.
+  ZRMeansXProducts empty(2, true, true, true);
+  EXPECT_TRUE(empty.Compute(ZRRectMatrix(0, 4, true), 0));
+  ExpectSame(empty, ZRMeansXProdData(2, true));
 }
 
 }  // namespace

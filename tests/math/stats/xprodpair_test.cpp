@@ -226,6 +226,24 @@ TEST(ZRAccumXProdPairMerge, IntoEmptyPairGivesNaNCovariance) {
   }
 }
 
+// The inputs are not tested: a NaN weight makes the pair's raw weight NaN, so its fold
+// never falls due and the running statistics keep their values; a NaN value folds in.
+TEST(ZRAccumXProdPair, NonFiniteInputPropagates) {
+  ZRAccumXProdPair acc(2, 1);
+  ASSERT_FALSE(acc.Update(1, 1.0, 0, 2.0, 1.0));  // total 1: not above 1 yet
+  ASSERT_TRUE(acc.Update(1, 3.0, 0, 5.0, 1.0));
+  const double covar = acc.GetCovar().GetElem(0);
+  EXPECT_FALSE(acc.Update(1, 4.0, 0, 1.0, kNaN));
+  EXPECT_FALSE(acc.Update(1, 4.0, 0, 1.0, 1.0));  // the raw weight stays NaN
+  EXPECT_FALSE(acc.Finish());
+  EXPECT_EQ(acc.GetCovar().GetElem(0), covar);
+  ZRAccumXProdPair values(2, 1);
+  values.Update(1, 1.0, 0, 2.0, 1.0);
+  EXPECT_TRUE(values.Update(1, kNaN, 0, 5.0, 1.0));
+  EXPECT_TRUE(std::isnan(values.GetCovar().GetElem(0)) && std::isnan(values.GetMean1().GetElem(0)));
+  EXPECT_EQ(values.GetMean2().GetElem(0), 3.5);
+}
+
 TEST(ZRAccumXProdPairCorr, ReadsCovarianceStoreAsItStands) {
   // Covariances 16, 12, 81 of pairs 0, 1, 2 are read as the elements (0, 0), (1, 0),
   // (1, 1) of a symmetric matrix whose diagonal enters through its fourth root; row 2's

@@ -197,7 +197,9 @@ void ZRMeansXProdData::Display() const {
 bool ZRProvMeans::Update(const std::vector<double> & x, double w) {
   if (x.size() < static_cast<std::size_t>(fnVars)) return false;
   const double nNew = w + fdNCases;
-  if (!(nNew >= 0.0)) return false;  // also a NaN weight
+  // Intended: only a negative count is refused. A NaN weight is neither positive, negative
+  // nor zero: nothing happens and the answer is true.
+  if (nNew < 0.0) return false;
   if (nNew == 0.0) {
     Clear();
     return true;
@@ -245,6 +247,8 @@ bool ZRMeansXProducts::Compute(const ZRRectMatrix & X, int nRows) {
   Clear();
   if (!IsShaped()) return false;
   const int rows = RowsUsed(X, nRows);
+  // Intended: with no rows nothing is read, not even row 0's weight (which the count
+  // starts from otherwise): the count stays 0 and the means and matrix zero.
   if (rows < 1) return true;
   const std::size_t stride = static_cast<std::size_t>(p + nw);
   const double * row0 = X.GetRowPtr(0);

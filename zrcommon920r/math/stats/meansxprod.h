@@ -14,7 +14,9 @@ namespace ZRMath_920 {
 // Sufficient statistics of p variables: the weighted number of cases N, the means and a
 // p x p symmetric matrix of sums of products, corrected about the means when the intercept
 // indicator is set and raw otherwise (the means are kept in both modes). No operation
-// looks for the system-missing value: the caller screens the cases. Nothing is thrown by
+// tests its input: the system-missing value is a plain number, and NaN or infinite values
+// and weights propagate into the count, the means and the matrix (an infinite weight
+// gives NaN through inf / inf); the caller screens the cases. Nothing is thrown by
 // the class itself; operations that can fail answer false. When the matrix could not be
 // sized (invalid, rows -1) the per-case operations do nothing and merges answer false.
 class ZRMeansXProdData {
@@ -62,7 +64,8 @@ class ZRMeansXProdData {
   // analysis and recommendations, The American Statistician 37, 242-247. An object with no
   // variables first takes o's shape. True exactly when the number of variables and the
   // intercept indicator agree (and both matrices are valid); false changes nothing, and
-  // so does a combined count that is not above 0 (true for two empty summaries). o is not
+  // so does a combined count that is not above 0 (true for two empty summaries, and for a
+  // NaN count on either side: such a summary is passed over, not propagated). o is not
   // changed and may be this object. Tested against two passes over the joined data to
   // 32 eps (64 eps plus the offset of the means in spreads, in eps, for blocks).
   bool Merge(const ZRMeansXProdData & o);
@@ -111,7 +114,8 @@ class ZRProvMeans : public ZRMeansXProdData {
   // One case in (w > 0, AddCase), out (w < 0, DeleteCase with -w), or nothing (w == 0);
   // a weight that brings the count to exactly 0 clears the summary instead. False, nothing
   // changed, when x has fewer than p elements (longer x is accepted, the surplus unread)
-  // or when N + w is negative or NaN. Allocates nothing.
+  // or when N + w is negative. A NaN weight is none of these: nothing changes and the
+  // answer is true; +inf adds a case and makes the summary NaN. Allocates nothing.
   bool Update(const std::vector<double> & x, double w);
 
   // The base's display.
@@ -141,7 +145,9 @@ class ZRMeansXProducts : public ZRMeansXProdData {
   // corrected matrix. Tested against long double two-pass sums to 64 eps (element (i, j)
   // relative to sqrt(a_ii a_jj)), and on the NIST StRD sets NumAcc1-4: at least 14 digits
   // of the mean, and of the sd 14.5 and the data's own limit 9.4 and 8.2 on NumAcc3 and 4.
-  // False, nothing changed, when X's column count isn't p + k. No rows give count 0.
+  // False, nothing changed, when X's column count isn't p + k. No rows give count 0, means
+  // and matrix zero and true, without reading any row (not even a weight). A NaN or
+  // infinite value or weight propagates into the means and matrix (weights: into the count).
   bool Compute(const ZRRectMatrix & X, int nRows);
   // Compute of the block alone, merged (Merge) into what is held; Compute itself when the
   // count is 0. False, nothing changed, for a wrong column count.

@@ -44,7 +44,10 @@ class ZRAccumXProdPair {
   // w x y) and, when this is its nAccum-th case since the last fold, folds them in
   // (see Finish). False when the fold is due but the pair's total weight is not above 1:
   // the sums are kept and tried again at the next case. False, nothing changed, for a pair
-  // index outside 0 .. p (p - 1) / 2 - 1. Allocates nothing.
+  // index outside 0 .. p (p - 1) / 2 - 1. The values and weight are not tested: a NaN
+  // weight makes the pair's raw weight NaN, so its fold never falls due (false at every
+  // fold and at Finish) and the pair's running statistics keep their last values; NaN or
+  // infinite values fold into NaN statistics. Allocates nothing.
   bool Update(int pair, double x, double y, double w);
   // Folds the raw sums of every pair into its running statistics by pooling sums: with
   // S = m N0 + sum w x and m' = S / N, v' = ((N0 - 1) v + m N0 m + sum w x x - m' S) /
