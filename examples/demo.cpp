@@ -1,8 +1,9 @@
 // Example procedure: a weighted linear regression as an analytic procedure builds it.
 // It reads a small data set, accumulates weighted means and corrected cross-products in
 // one pass and again in two halves on two threads joined with Merge, sweeps the
-// predictors out of the cross-product matrix, and reports coefficients, their standard
-// errors and the residual standard deviation on the diagnostic stream.
+// predictors out of the cross-product matrix, takes the residuals in a second pass, and
+// reports coefficients, their standard errors and the residual standard deviation on the
+// diagnostic stream.
 //
 // Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
 #include <cmath>
@@ -56,7 +57,11 @@ bool Summarise(const ZRRectMatrix & block, int first, int count, ZRMeansXProduct
 }
 
 // Regression of the last variable on the others by sweeping the corrected cross-products.
-void Fit(const ZRMeansXProducts & summary, const std::vector<std::string> & names) {
+// The residual sum of squares comes from a second pass over the data, weighted as they are:
+// the element the sweep leaves behind is a difference of large sums and can even come out
+// negative when the fit is exact.
+void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
+         const std::vector<std::string> & names) {
   const int p = summary.GetNVars() - 1;  // predictors; the response is the last variable
   const double n = summary.GetNCases();
   const std::vector<double> & means = summary.GetMeans();
@@ -68,10 +73,6 @@ void Fit(const ZRMeansXProducts & summary, const std::vector<std::string> & name
   std::vector<double> b;
   a.GetRegCoeffs(b, entered);
 
-  const double rss = a.GetElem(p, p);
-  const double df = n - entered.InSet() - 1.0;
-  const double sigma2 = rss / df;
-
   // After the sweep the entered block holds -(X'X)^-1 of the centred predictors.
   double intercept = means[p], meanQuad = 0.0;
   for (int j = 0; j < p; ++j) {
@@ -80,10 +81,22 @@ void Fit(const ZRMeansXProducts & summary, const std::vector<std::string> & name
       if (entered.IsIn(j) && entered.IsIn(k)) meanQuad -= means[j] * a.GetElem(j, k) * means[k];
   }
 
+  double rss = 0.0;  // b[j] is 0.0 for a predictor left out
+  for (int r = 0; r < rows.GetNRows(); ++r) {
+    double e = rows.GetElem(r, p) - intercept;
+    for (int j = 0; j < p; ++j) e -= b[j] * rows.GetElem(r, j);
+    rss += rows.GetElem(r, p + 1) * e * e;
+  }
+  const double df = n - entered.InSet() - 1.0;
+  // An exact fit: the swept sum fell below zero, nothing is left over, or no df remain.
+  const bool perfect = a.GetElem(p, p) < 0.0 || rss == 0.0 || df <= 0.0;
+  const double sigma2 = perfect ? 0.0 : rss / df;
+
   disp::DisplayText(1, "Regression of ");
   disp::DisplayText(0, names[p]);
   disp::DisplayD("weighted cases", n);
   disp::DisplayI("predictors entered", entered.InSet());
+  if (perfect) disp::DisplayText(1, "perfect fit: the residuals are rounding error");
   disp::DisplayDF("intercept", intercept);
   disp::DisplayDF("  standard error", std::sqrt(sigma2 * (1.0 / n + meanQuad)));
   for (int j = 0; j < p; ++j) {
@@ -130,7 +143,7 @@ int main(int argc, char ** argv) {
   disp::DisplayDV("means", whole.GetMeans(), false);
   disp::DisplayD("largest difference, merged halves against one pass", maxDiff);
 
-  Fit(first, data.names);
+  Fit(first, data.rows, data.names);
   std::printf("\n");
   return 0;
 }
