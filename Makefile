@@ -13,7 +13,21 @@ check-tools:
 	@command -v cmake >/dev/null 2>&1 || { echo "cmake not found: apt-get install cmake"; exit 1; }
 	@command -v $(CXX) >/dev/null 2>&1 || { echo "$(CXX) not found: apt-get install g++"; exit 1; }
 
+# Debian packages: installs the missing ones when run as root, otherwise stops with the
+# apt-get line that does. Skipped where there is no dpkg; CMake then names what is missing.
+define need-packages
+@command -v dpkg >/dev/null 2>&1 || exit 0; missing=; \
+for p in $(1); do dpkg -s $$p >/dev/null 2>&1 || missing="$$missing $$p"; done; \
+[ -z "$$missing" ] && exit 0; \
+if [ "$$(id -u)" = 0 ]; then \
+  apt-get install -y $$missing || { apt-get update && apt-get install -y $$missing; }; \
+else echo "apt-get install$$missing"; exit 1; fi
+endef
+TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev
+BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev
+
 test: check-tools
+	$(call need-packages,$(TEST_PACKAGES))
 	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/debug -DCMAKE_BUILD_TYPE=Debug
 	cmake --build $(BUILDDIR)/debug -j $(JOBS)
 	ctest --test-dir $(BUILDDIR)/debug --output-on-failure -j $(JOBS)
@@ -24,6 +38,7 @@ demo: check-tools
 	$(BUILDDIR)/release/examples/zr_demo
 
 sanitize: check-tools
+	$(call need-packages,$(TEST_PACKAGES))
 	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/sanitize -DCMAKE_BUILD_TYPE=Debug -DZR_SANITIZE=ON
 	cmake --build $(BUILDDIR)/sanitize -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
@@ -34,6 +49,7 @@ test-clang:
 	$(MAKE) test CXX=clang++ BUILDDIR=$(BUILDDIR)/clang
 
 bench: check-tools
+	$(call need-packages,$(BENCH_PACKAGES))
 	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/bench -DCMAKE_BUILD_TYPE=Release -DZR_BUILD_TESTS=OFF \
 	  -DZR_BUILD_EXAMPLES=OFF -DZR_BUILD_BENCH=ON
 	cmake --build $(BUILDDIR)/bench -j $(JOBS)

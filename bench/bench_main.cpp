@@ -1,14 +1,32 @@
 // Benchmark driver. Benchmarks come in pairs named "<Work>/zr/<args>" (this library) and
 // "<Work>/ref/<args>" (a reference library on the same data); after the usual report a
-// table gives, for each pair, the ratio of this library's time to the reference's.
+// table gives, for each pair, the ratio of this library's time to the reference's. The
+// header names the files the two sides were loaded from.
 #include <benchmark/benchmark.h>
+#include <dlfcn.h>
 
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "zrcommon920r/math/matrix/kernels.h"
+
 namespace {
+
+// The file that holds the code at addr, symlinks resolved.
+std::string LoadedFrom(const void * addr) {
+  Dl_info info;
+  if (addr == nullptr || dladdr(addr, &info) == 0 || info.dli_fname == nullptr)
+    return "(not found)";
+  char path[PATH_MAX];
+  return realpath(info.dli_fname, path) != nullptr ? path : info.dli_fname;
+}
+
+// The file a call to the Fortran routine name binds to.
+std::string RoutineFrom(const char * name) { return LoadedFrom(dlsym(RTLD_DEFAULT, name)); }
 
 class RatioReporter : public benchmark::ConsoleReporter {
  public:
@@ -45,6 +63,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
 int main(int argc, char ** argv) {
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::AddCustomContext("ref BLAS (dgemm_)", RoutineFrom("dgemm_"));
+  benchmark::AddCustomContext("ref LAPACK (dgetrf_)", RoutineFrom("dgetrf_"));
+  benchmark::AddCustomContext(
+      "zr", LoadedFrom(reinterpret_cast<const void *>(&ZRMath_920::Blas1::DDot)));
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.PrintRatios();
