@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <string>
 #include <vector>
 
 #include "support/colmajor.h"
 #include "support/lapack.h"
+#include "support/watchdog.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace {
@@ -150,12 +152,14 @@ TEST(LinpackDsvdc, NonConvergenceAndEmptyInput) {
 // Fault: an infinite element kept a negligibility test true, so the split pass repeated
 // for ever without counting a QR step. Now such input returns with info != 0.
 TEST(LinpackDsvdc, InfiniteElementsReturnWithFailure) {
+  zrtest::Watchdog dog(std::chrono::seconds(20));  // a hang ends the run with its name
   for (double bad : {INFINITY, -INFINITY}) {
     for (int at = 0; at < 4; ++at) {
       SCOPED_TRACE(testing::Message() << bad << " at (" << at << ", " << at << ")");
       ColMatrix x = RandomGeneral(4, 4, 7);
       x(at, at) = bad;
-      EXPECT_NE(Decompose(x, 11).info, 0);
+      dog.Run("Dsvdc with an infinite diagonal element",
+              [&] { EXPECT_NE(Decompose(x, 11).info, 0); });
     }
   }
 }

@@ -3,12 +3,14 @@
 // downdate against refactoring, indefinite solves and the positive definite shift.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <vector>
 
 #include "support/colmajor.h"
 #include "support/lapack.h"
 #include "support/symmatrices.h"
+#include "support/watchdog.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
@@ -394,7 +396,9 @@ TEST(ZRSymMatrixPositiveDefinite, ShiftSearchFailsCleanlyOrEnds) {
     ZRSymMatrix s = ToSym(a);
     bool changed = false;
     double shift = 0.0;
-    EXPECT_GT(s.TransformToPositiveDefinite(tol, changed, shift), 1);
+    zrtest::Watchdog dog(std::chrono::seconds(20));  // a hang ends the run with its name
+    dog.Run("TransformToPositiveDefinite with a tiny tol",
+            [&] { EXPECT_GT(s.TransformToPositiveDefinite(tol, changed, shift), 1); });
     EXPECT_TRUE(changed && std::isfinite(shift));
     ColMatrix f = FromSym(s);
     int info = 0, n = 5;

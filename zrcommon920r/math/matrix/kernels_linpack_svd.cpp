@@ -282,7 +282,12 @@ int Linpack::Dsvdc(double * const x, int ldx, int n, int p, double * const s, do
           s[k - 1] = t1;
           f = -sn * e[k - 1];
           e[k - 1] = cs * e[k - 1];
-          if (wantu) Blas1::DRot(n, At(u, ldu, 1, k), 1, At(u, ldu, 1, l - 1), 1, cs, sn);
+          // Intended: U has ncu columns. With p > n the published loop reaches k = n + 1
+          // when a NaN keeps s(n + 1) = 0 from being found negligible first; that column
+          // does not exist, so its rotation is skipped.
+          if (wantu && k <= ncu) {
+            Blas1::DRot(n, At(u, ldu, 1, k), 1, At(u, ldu, 1, l - 1), 1, cs, sn);
+          }
         }
         break;
       }
