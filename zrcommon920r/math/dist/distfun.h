@@ -149,7 +149,7 @@ class ZRDistFun {
   // df > 0 (infinite df takes Phi) and x is not NaN.
   static double CdfT(double x, double df);
   // Upper tail P(T > x) from the complementary beta forms, accurate as CdfT below 1e8 df;
-  // no normal branch, so large df loses digits in logs (1.4e-6 at df 1e9) and infinite df
+  // no normal branch, so large df loses digits in logs (1.4e-6 above 1e8 df); infinite df
   // gives miss. Intended: below x = -1, (0.5 - c / 2) + 0.5 in that order.
   static double SigT(double x, double df);
   // t quantile (tarnidft) with the betinv tolerances acu and eps: probit(p) from 1e8 df (off
@@ -215,14 +215,13 @@ class ZRDistFun {
   // err 2 and miss when the exponent is inf - inf (a above about 3e305).
   static double gammad(const double & x, const double & a, const bool & lowerTail,
                        std::int32_t & err);
-  // Regularised incomplete beta I_x(a, b). Closed forms for a or b == 1; with a <= 1 the
-  // roles swap to 1 - I_(1-x)(b, a). With a shape <= 1 the power series (at most 10001
-  // terms, to a term below 1e-15) comes first; else, or failing that, the continued
-  // fraction on the side x < (a + 1) / (a + b + 2), to a relative change of 10 max(1, a + b)
-  // eps, and after 10000 passes the Peizer-Pratt normal approximation. The prefactor x^a
-  // y^b / (a B(a, b)) is formed in logs (0 below -708, at most 1). Accuracy: see CdfBeta.
-  // err 1 and miss unless a, b are positive and finite and x is not NaN; 0 for x <= 0, 1 for
-  // x >= 1; err 2 and miss when a NaN forms (extreme shapes).
+  // Regularised incomplete beta I_x(a, b): closed forms for a or b == 1; with a <= 1 it is
+  // 1 - I_(1-x)(b, a). A shape <= 1 tries the power series first (10001 terms, to a term
+  // below 1e-15); then the continued fraction (Abramowitz and Stegun 26.5.8) below x = (a +
+  // 1) / (a + b + 2), to a change of 10 max(1, a + b) eps; after 10000 passes the Peizer-
+  // Pratt normal approximation (JASA 63 (1968), 1416-1456). The prefactor is formed in logs
+  // (0 below -708, at most 1); accuracy: see CdfBeta. err 1 and miss unless a, b are positive
+  // and finite and x is not NaN; 0 for x <= 0, 1 for x >= 1; err 2 and miss if a NaN forms.
   static double cdfbet(const double & x, const double & a, const double & b, std::int32_t & err);
   // Auxiliary function g(x) = (1 - x^2 + 2 x log x) / (1 - x)^2 of the Peizer-Pratt
   // approximation: 1 at 0, 0 where 1 - x rounds to 0, -1 above M = sqrt of the largest
