@@ -8,12 +8,18 @@
 #include "zrcommon920r/common/warnings.h"
 #include "zrcommon920r/display/display.h"
 #include "zrcommon920r/math/bitset.h"
+#include "zrcommon920r/math/dist/distfun.h"
 #include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/dist/power.h"
 #include "zrcommon920r/math/hashkey.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
 #include "zrcommon920r/math/stats/xprodpair.h"
+#include "zrcommon920r/xml/core/json.h"
+#include "zrcommon920r/xml/core/numtext.h"
+#include "zrcommon920r/xml/core/objstream.h"
+#include "zrcommon920r/xml/core/xmltree.h"
 
 #endif  // ZRCOMMON920R_ZRCOMMON920R_H
