@@ -6,7 +6,7 @@ BUILDDIR ?= build
 
 CMAKE_CONFIGURE = cmake -S . -DCMAKE_CXX_COMPILER=$(CXX) -DZR_WERROR=$(WERROR)
 
-.PHONY: test demo sanitize bench test-clang format clean check-tools
+.PHONY: test demo sanitize bench test-clang fuzz format clean check-tools
 
 # Stops with the apt-get line that installs a missing tool.
 check-tools:
@@ -23,8 +23,9 @@ if [ "$$(id -u)" = 0 ]; then \
   apt-get install -y $$missing || { apt-get update && apt-get install -y $$missing; }; \
 else echo "apt-get install$$missing"; exit 1; fi
 endef
-TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev
-BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev
+TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev locales python3
+BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev
+FUZZ_PACKAGES  = clang libclang-rt-14-dev libgtest-dev locales
 
 test: check-tools
 	$(call need-packages,$(TEST_PACKAGES))
@@ -54,6 +55,27 @@ bench: check-tools
 	  -DZR_BUILD_EXAMPLES=OFF -DZR_BUILD_BENCH=ON
 	cmake --build $(BUILDDIR)/bench -j $(JOBS)
 	$(BUILDDIR)/bench/bench/zrcommon920r_bench
+
+# libFuzzer targets (fuzz/), each run for FUZZ_SECONDS from its seeds in fuzz/corpus/<target>/.
+# New inputs stay in the build tree. A finding leaves its input in $(BUILDDIR)/fuzz/work/artifacts/,
+# prints the end of the target's log and makes the exit non-zero once every target has run.
+FUZZ_SECONDS ?= 60
+FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid
+fuzz: check-tools
+	$(call need-packages,$(FUZZ_PACKAGES))
+	cmake -S fuzz -B $(BUILDDIR)/fuzz -DCMAKE_CXX_COMPILER=clang++ -DZR_WERROR=$(WERROR)
+	cmake --build $(BUILDDIR)/fuzz -j $(JOBS)
+	@failed=; for t in $(FUZZ_TARGETS); do \
+	  work=$(BUILDDIR)/fuzz/work; mkdir -p $$work/$$t $$work/artifacts; \
+	  echo "fuzz: $$t, $(FUZZ_SECONDS) s"; \
+	  if UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 $(BUILDDIR)/fuzz/$$t \
+	       -max_total_time=$(FUZZ_SECONDS) -max_len=1024 -timeout=10 -print_final_stats=1 \
+	       -artifact_prefix=$$work/artifacts/$$t- $$work/$$t fuzz/corpus/$$t >$$work/$$t.log 2>&1; \
+	  then grep -E '^(Done|stat::number_of_executed_units)' $$work/$$t.log; \
+	  else tail -n 60 $$work/$$t.log; failed="$$failed $$t"; fi; \
+	done; \
+	[ -z "$$failed" ] || \
+	  { echo "fuzz: findings in$$failed (inputs in $(BUILDDIR)/fuzz/work/artifacts)"; exit 1; }
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
