@@ -2,13 +2,15 @@
 // It reads a small data set, accumulates weighted means and corrected cross-products in
 // one pass and again in two halves on two threads joined with Merge, sweeps the
 // predictors out of the cross-product matrix, takes the residuals in a second pass, and
-// reports coefficients, their standard errors and the residual standard deviation on the
-// diagnostic stream.
+// reports coefficients, their standard errors, t-test p-values and the residual standard
+// deviation on the diagnostic stream, then as an XML document and a JSON record.
 //
 // Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <iostream>
+#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -23,6 +25,7 @@ using ZRMath_920::ZRMeansXProducts;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 namespace disp = ZRDisplay_920;
+namespace xml = ZRXML_920;
 
 // A comma-separated file with a header line of names; every other line holds numbers.
 struct DataSet {
@@ -92,20 +95,53 @@ void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
   const bool perfect = a.GetElem(p, p) < 0.0 || rss == 0.0 || df <= 0.0;
   const double sigma2 = perfect ? 0.0 : rss / df;
 
+  // Estimates with their standard errors and two-sided p-values from the t distribution.
+  struct Term {
+    std::string name;
+    double estimate, se;
+  };
+  std::vector<Term> terms{{"intercept", intercept, std::sqrt(sigma2 * (1.0 / n + meanQuad))}};
+  for (int j = 0; j < p; ++j) {
+    terms.push_back(
+        {names[j], b[j],
+         entered.IsIn(j) ? std::sqrt(-a.GetElem(j, j) * sigma2) : ZRCommon_920::kSysMisValue});
+  }
+  auto pValue = [&](const Term & t) {
+    if (perfect || !(t.se > 0.0)) return ZRCommon_920::kSysMisValue;
+    return 2.0 * ZRMath_920::ZRDistFun::SigT(std::fabs(t.estimate / t.se), df);
+  };
+
   disp::DisplayText(1, "Regression of ");
   disp::DisplayText(0, names[p]);
   disp::DisplayD("weighted cases", n);
   disp::DisplayI("predictors entered", entered.InSet());
   if (perfect) disp::DisplayText(1, "perfect fit: the residuals are rounding error");
-  disp::DisplayDF("intercept", intercept);
-  disp::DisplayDF("  standard error", std::sqrt(sigma2 * (1.0 / n + meanQuad)));
-  for (int j = 0; j < p; ++j) {
-    disp::DisplayDF("coefficient of " + names[j], b[j]);
-    disp::DisplayDF("  standard error", entered.IsIn(j) ? std::sqrt(-a.GetElem(j, j) * sigma2)
-                                                        : ZRCommon_920::kSysMisValue);
+  for (const Term & t : terms) {
+    disp::DisplayDF(t.name == "intercept" ? t.name : "coefficient of " + t.name, t.estimate);
+    disp::DisplayDF("  standard error", t.se);
+    disp::DisplayDF("  p-value", pValue(t));
   }
   disp::DisplayDF("residual sum of squares", rss);
   disp::DisplayDF("residual standard deviation", std::sqrt(sigma2));
+
+  // The same results as an XML document (UTF-8) and as a JSON record.
+  std::unique_ptr<xml::XMLElement> root(xml::XMLElement::Create("Regression"));
+  root->AddAttribute("response", names[p]);
+  root->AddAttribute("cases", n);
+  root->AddAttribute("residualSD", std::sqrt(sigma2));
+  xml::JsonObject record;
+  for (const Term & t : terms) {
+    xml::XMLElement * row = xml::XMLElement::Create("Coefficient");
+    row->AddAttribute("name", t.name);
+    row->AddAttribute("estimate", t.estimate);
+    if (t.se != ZRCommon_920::kSysMisValue) row->AddAttribute("standardError", t.se);
+    if (pValue(t) != ZRCommon_920::kSysMisValue) row->AddAttribute("pValue", pValue(t));
+    root->AddElement(row);
+    record.AddPair(t.name, xml::JsonObject::CreateNumDataText(t.name, t.estimate));
+  }
+  std::printf("\n");
+  xml::WriteTreeUTF8(std::cout, nullptr, root.get(), true);
+  std::cout << "\n" << record.GetJsonString(true) << std::flush;
 }
 
 }  // namespace
