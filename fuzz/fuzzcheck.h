@@ -1,0 +1,35 @@
+// What a fuzz target does when a property fails: it says which, shows the bytes involved and
+// aborts, which libFuzzer reports as a crash, saving the input that caused it.
+#ifndef ZRCOMMON920R_FUZZ_FUZZCHECK_H
+#define ZRCOMMON920R_FUZZ_FUZZCHECK_H
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace zrfuzz {
+
+// text with every byte outside printable ASCII, and the backslash, as \xHH.
+inline std::string Shown(const std::string & text) {
+  std::string shown;
+  for (const char c : text) {
+    const unsigned char u = static_cast<unsigned char>(c);
+    if (u >= 0x20 && u < 0x7F && u != '\\') {
+      shown += c;
+    } else {
+      char hex[5];
+      std::snprintf(hex, sizeof hex, "\\x%02X", u);
+      shown += hex;
+    }
+  }
+  return shown;
+}
+
+[[noreturn]] inline void Fail(const std::string & what) {
+  std::fprintf(stderr, "\nproperty failed: %s\n", what.c_str());
+  std::abort();
+}
+
+}  // namespace zrfuzz
+
+#endif  // ZRCOMMON920R_FUZZ_FUZZCHECK_H
