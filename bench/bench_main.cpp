@@ -32,7 +32,9 @@ std::string LoadedFrom(const void * addr) {
 }
 
 // The file a call to the Fortran routine name binds to.
-std::string RoutineFrom(const char * name) { return LoadedFrom(dlsym(RTLD_DEFAULT, name)); }
+std::string RoutineFrom(const char * name) {
+  return LoadedFrom(dlsym(RTLD_DEFAULT, name));
+}
 
 // "1_74" as "1.74".
 std::string BoostVersion() {
@@ -139,8 +141,8 @@ int main(int argc, char ** argv) {
   benchmark::AddCustomContext("ref LAPACK (dgetrf_)", RoutineFrom("dgetrf_"));
   benchmark::AddCustomContext("rmath (pnorm5)", LoadedFrom(reinterpret_cast<const void *>(&pnorm)));
   benchmark::AddCustomContext("boost (headers)", BoostVersion());
-  benchmark::AddCustomContext(
-      "zr", LoadedFrom(reinterpret_cast<const void *>(&ZRMath_920::Blas1::DDot)));
+  benchmark::AddCustomContext("zr",
+                              LoadedFrom(reinterpret_cast<const void *>(&ZRMath_920::Blas1::DDot)));
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.PrintRatios();

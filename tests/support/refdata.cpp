@@ -60,4 +60,11 @@ std::vector<RefRow> LoadRefTable(const std::string & relPath, int nIn) {
   return rows;
 }
 
+void ExpectExact(std::initializer_list<ExactCase> cases) {
+  for (const ExactCase & c : cases) {
+    SCOPED_TRACE(c.line);
+    EXPECT_EQ(c.got, c.want);
+  }
+}
+
 }  // namespace zrtest

@@ -2,6 +2,7 @@
 #ifndef ZRCOMMON920R_TESTS_SUPPORT_REFDATA_H
 #define ZRCOMMON920R_TESTS_SUPPORT_REFDATA_H
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,14 @@ struct RefRow {
 // Numbers are read with strtod (so "inf", "nan" and hexadecimal floats work). A file that
 // cannot be opened, or a row with fewer than nIn + 1 fields, fails the calling test.
 std::vector<RefRow> LoadRefTable(const std::string & relPath, int nIn);
+
+// An expected result that holds exactly, traced to its source line.
+struct ExactCase {
+  int line;
+  double got, want;
+};
+// EXPECT_EQ(got, want) for each case, under a trace of its line.
+void ExpectExact(std::initializer_list<ExactCase> cases);
 
 // Absolute path of a file under tests/data.
 std::string DataPath(const std::string & relPath);

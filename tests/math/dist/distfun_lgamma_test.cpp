@@ -28,18 +28,6 @@ struct Kernels : ZRDistFun {
   using ZRDistFun::dnlgam;
 };
 
-// Expected results, each traced to its line.
-struct Case {
-  int line;
-  double got, want;
-};
-void ExpectAll(std::initializer_list<Case> cases) {
-  for (const Case & c : cases) {
-    SCOPED_TRACE(c.line);
-    EXPECT_EQ(c.got, c.want);
-  }
-}
-
 TEST(ZRDistFunLogGamma, MatchesMpmath) {  // data: tests/data/math/dist/lgamma.csv
   for (const RefRow & row : LoadRefTable("math/dist/lgamma.csv", /*nIn=*/1)) {
     SCOPED_TRACE(row.where);
@@ -51,17 +39,18 @@ TEST(ZRDistFunLogGamma, MatchesMpmath) {  // data: tests/data/math/dist/lgamma.c
 }
 
 TEST(ZRDistFunLogGamma, ExactPointsOverflowAndFailures) {
-  ExpectAll({{__LINE__, Kernels::dnlgam(1.0), 0.0},
-             {__LINE__, Kernels::dnlgam(2.0), 0.0},
-             {__LINE__, Kernels::dnlgam(0.5), 0.5723649429247001},  // log(pi) / 2, nearest double
-             {__LINE__, Kernels::dnlgam(1e306), kInf},  // the value, about 7e308, overflows
-             {__LINE__, Kernels::dnlgam(0.0), kMiss},
-             {__LINE__, Kernels::dnlgam(-1e-300), kMiss},
-             // Intended: refused, though x Q(x) is positive here and the series gives a number.
-             {__LINE__, Kernels::dnlgam(-1.5), kMiss},
-             {__LINE__, Kernels::dnlgam(kInf), kMiss},  // Stirling would form inf - inf
-             {__LINE__, Kernels::dnlgam(kNaN), kMiss},
-             {__LINE__, ZRDistFun::tarndnlgam(0.0), kMiss}});
+  zrtest::ExpectExact(
+      {{__LINE__, Kernels::dnlgam(1.0), 0.0},
+       {__LINE__, Kernels::dnlgam(2.0), 0.0},
+       {__LINE__, Kernels::dnlgam(0.5), 0.5723649429247001},  // log(pi) / 2, nearest double
+       {__LINE__, Kernels::dnlgam(1e306), kInf},              // the value, about 7e308, overflows
+       {__LINE__, Kernels::dnlgam(0.0), kMiss},
+       {__LINE__, Kernels::dnlgam(-1e-300), kMiss},
+       // Intended: refused, though x Q(x) is positive here and the series gives a number.
+       {__LINE__, Kernels::dnlgam(-1.5), kMiss},
+       {__LINE__, Kernels::dnlgam(kInf), kMiss},  // Stirling would form inf - inf
+       {__LINE__, Kernels::dnlgam(kNaN), kMiss},
+       {__LINE__, ZRDistFun::tarndnlgam(0.0), kMiss}});
 }
 
 TEST(ZRDistFunLogGamma, BinomialMatchesMpmath) {  // data: tests/data/math/dist/lbinom.csv

@@ -30,18 +30,6 @@ struct Kernels : ZRDistFun {
   using ZRDistFun::probit;
 };
 
-// Expected results, each traced to its line.
-struct Case {
-  int line;
-  double got, want;
-};
-void ExpectAll(std::initializer_list<Case> cases) {
-  for (const Case & c : cases) {
-    SCOPED_TRACE(c.line);
-    EXPECT_EQ(c.got, c.want);
-  }
-}
-
 TEST(ZRDistFunNormal, ErfAndErfcMatchMpmath) {  // data: tests/data/math/dist/erf.csv
   for (const RefRow & row : LoadRefTable("math/dist/erf.csv", /*nIn=*/1)) {
     SCOPED_TRACE(row.where);
@@ -54,17 +42,18 @@ TEST(ZRDistFunNormal, ErfAndErfcMatchMpmath) {  // data: tests/data/math/dist/er
 }
 
 TEST(ZRDistFunNormal, ErfLimitsGuardAndNonFinite) {
-  ExpectAll({{__LINE__, Kernels::derf(0.0), 0.0},
-             {__LINE__, Kernels::derfc(0.0), 1.0},
-             {__LINE__, Kernels::derf(-6.9), -1.0},  // from 6.9 on, exactly 1
-             {__LINE__, Kernels::derf(kInf), 1.0},
-             {__LINE__, Kernels::derfc(-kInf), 2.0},
-             // Intended: log(g) - x^2 below -708 gives 0, though erfc(26.6) = 6e-310 is subnormal.
-             {__LINE__, Kernels::derfc(26.6), 0.0},
-             {__LINE__, Kernels::derfc(-26.6), 2.0},
-             {__LINE__, Kernels::derfc(1e300), 0.0},  // x^2 overflows: no NaN
-             {__LINE__, Kernels::derf(kNaN), kMiss},
-             {__LINE__, Kernels::derfc(kNaN), kMiss}});
+  zrtest::ExpectExact(
+      {{__LINE__, Kernels::derf(0.0), 0.0},
+       {__LINE__, Kernels::derfc(0.0), 1.0},
+       {__LINE__, Kernels::derf(-6.9), -1.0},  // from 6.9 on, exactly 1
+       {__LINE__, Kernels::derf(kInf), 1.0},
+       {__LINE__, Kernels::derfc(-kInf), 2.0},
+       // Intended: log(g) - x^2 below -708 gives 0, though erfc(26.6) = 6e-310 is subnormal.
+       {__LINE__, Kernels::derfc(26.6), 0.0},
+       {__LINE__, Kernels::derfc(-26.6), 2.0},
+       {__LINE__, Kernels::derfc(1e300), 0.0},  // x^2 overflows: no NaN
+       {__LINE__, Kernels::derf(kNaN), kMiss},
+       {__LINE__, Kernels::derfc(kNaN), kMiss}});
 }
 
 // Rows with mean 0 and sd 1 go to the standard functions.
@@ -90,25 +79,26 @@ TEST(ZRDistFunNormal, CdfAndPdfMatchMpmath) {  // data: tests/data/math/dist/nor
 }
 
 TEST(ZRDistFunNormal, CdfPdfExactPointsAndFailures) {
-  ExpectAll({{__LINE__, ZRDistFun::CdfStdNorm(0.0), 0.5},
-             {__LINE__, ZRDistFun::CdfNorm(2.5, 2.5, 3.0), 0.5},
-             {__LINE__, ZRDistFun::CdfStdNorm(-38.0), 0.0},  // the -708 guard of derfc
-             {__LINE__, ZRDistFun::CdfStdNorm(9.0), 1.0},
-             {__LINE__, ZRDistFun::CdfStdNorm(-kInf), 0.0},
-             {__LINE__, ZRDistFun::CdfNorm(kInf, 1.0, 2.0), 1.0},
-             {__LINE__, ZRDistFun::CdfNorm(-1e308, 1e308, 1.0), 0.0},  // x - mean overflows
-             {__LINE__, ZRDistFun::CdfStdNorm(kNaN), kMiss},  // while the kernel keeps 0.5:
-             {__LINE__, Kernels::prbnrm(kNaN), 0.5},
-             {__LINE__, ZRDistFun::CdfNorm(kNaN, 0.0, 1.0), kMiss},
-             {__LINE__, ZRDistFun::CdfNorm(0.0, kInf, 1.0), kMiss},
-             {__LINE__, ZRDistFun::CdfNorm(0.0, 0.0, kNaN), kMiss},
-             {__LINE__, ZRDistFun::CdfNorm(0.0, 0.0, -1.0), kMiss},
-             {__LINE__, ZRDistFun::PdfNormalStandard(-kInf), 0.0},
-             {__LINE__, ZRDistFun::PdfNormalStandard(kNaN), kMiss},
-             {__LINE__, ZRDistFun::PdfNormal(kInf, 0.0, 1.0), 0.0},
-             {__LINE__, ZRDistFun::PdfNormal(1.0, 1.0, 0.0), kMiss},  // sd 0 is the only refusal
-             {__LINE__, ZRDistFun::PdfNormal(0.0, kNaN, 1.0), kMiss},
-             {__LINE__, ZRDistFun::PdfNormal(0.0, 0.0, -kInf), kMiss}});
+  zrtest::ExpectExact(
+      {{__LINE__, ZRDistFun::CdfStdNorm(0.0), 0.5},
+       {__LINE__, ZRDistFun::CdfNorm(2.5, 2.5, 3.0), 0.5},
+       {__LINE__, ZRDistFun::CdfStdNorm(-38.0), 0.0},  // the -708 guard of derfc
+       {__LINE__, ZRDistFun::CdfStdNorm(9.0), 1.0},
+       {__LINE__, ZRDistFun::CdfStdNorm(-kInf), 0.0},
+       {__LINE__, ZRDistFun::CdfNorm(kInf, 1.0, 2.0), 1.0},
+       {__LINE__, ZRDistFun::CdfNorm(-1e308, 1e308, 1.0), 0.0},  // x - mean overflows
+       {__LINE__, ZRDistFun::CdfStdNorm(kNaN), kMiss},           // while the kernel keeps 0.5:
+       {__LINE__, Kernels::prbnrm(kNaN), 0.5},
+       {__LINE__, ZRDistFun::CdfNorm(kNaN, 0.0, 1.0), kMiss},
+       {__LINE__, ZRDistFun::CdfNorm(0.0, kInf, 1.0), kMiss},
+       {__LINE__, ZRDistFun::CdfNorm(0.0, 0.0, kNaN), kMiss},
+       {__LINE__, ZRDistFun::CdfNorm(0.0, 0.0, -1.0), kMiss},
+       {__LINE__, ZRDistFun::PdfNormalStandard(-kInf), 0.0},
+       {__LINE__, ZRDistFun::PdfNormalStandard(kNaN), kMiss},
+       {__LINE__, ZRDistFun::PdfNormal(kInf, 0.0, 1.0), 0.0},
+       {__LINE__, ZRDistFun::PdfNormal(1.0, 1.0, 0.0), kMiss},  // sd 0 is the only refusal
+       {__LINE__, ZRDistFun::PdfNormal(0.0, kNaN, 1.0), kMiss},
+       {__LINE__, ZRDistFun::PdfNormal(0.0, 0.0, -kInf), kMiss}});
 }
 
 TEST(ZRDistFunNormal, QuantileMatchesMpmath) {  // data: tests/data/math/dist/probit.csv
@@ -124,18 +114,18 @@ TEST(ZRDistFunNormal, QuantileMatchesMpmath) {  // data: tests/data/math/dist/pr
 }
 
 TEST(ZRDistFunNormal, QuantileDomainAndExactPoints) {
-  ExpectAll({{__LINE__, ZRDistFun::IdfStdNorm(0.5), 0.0},
-             {__LINE__, Kernels::probit(0.5), 0.0},
-             {__LINE__, ZRDistFun::IdfNorm(0.5, -1e300, 1e300), -1e300},
-             {__LINE__, ZRDistFun::IdfStdNorm(0.0), kMiss},
-             {__LINE__, ZRDistFun::IdfStdNorm(1.0), kMiss},
-             {__LINE__, ZRDistFun::IdfStdNorm(kNaN), kMiss},
-             {__LINE__, Kernels::probit(1.0), kMiss},
-             {__LINE__, Kernels::probit(kNaN), kMiss},
-             {__LINE__, ZRDistFun::IdfNorm(0.0, 0.0, 1.0), kMiss},
-             {__LINE__, ZRDistFun::IdfNorm(0.3, 0.0, 0.0), kMiss},
-             {__LINE__, ZRDistFun::IdfNorm(0.3, kNaN, 1.0), kMiss},
-             {__LINE__, ZRDistFun::IdfNorm(0.3, 0.0, kInf), kMiss}});
+  zrtest::ExpectExact({{__LINE__, ZRDistFun::IdfStdNorm(0.5), 0.0},
+                       {__LINE__, Kernels::probit(0.5), 0.0},
+                       {__LINE__, ZRDistFun::IdfNorm(0.5, -1e300, 1e300), -1e300},
+                       {__LINE__, ZRDistFun::IdfStdNorm(0.0), kMiss},
+                       {__LINE__, ZRDistFun::IdfStdNorm(1.0), kMiss},
+                       {__LINE__, ZRDistFun::IdfStdNorm(kNaN), kMiss},
+                       {__LINE__, Kernels::probit(1.0), kMiss},
+                       {__LINE__, Kernels::probit(kNaN), kMiss},
+                       {__LINE__, ZRDistFun::IdfNorm(0.0, 0.0, 1.0), kMiss},
+                       {__LINE__, ZRDistFun::IdfNorm(0.3, 0.0, 0.0), kMiss},
+                       {__LINE__, ZRDistFun::IdfNorm(0.3, kNaN, 1.0), kMiss},
+                       {__LINE__, ZRDistFun::IdfNorm(0.3, 0.0, kInf), kMiss}});
 }
 
 }  // namespace
