@@ -12,6 +12,7 @@
 
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -26,8 +27,9 @@ using matrix_detail::ResizeNoThrow;
 
 using ZRCommon_920::kSysMisValue;
 
-// Determinants are kept as det[0] x 10^det[1] with 1 <= |det[0]| < 10.
-constexpr double kDetBase = 10.0;
+// Determinants are kept as det[0] x 10^det[1] with 1 <= |det[0]| < 10, brought there by
+// the LINPACK files' NormaliseDet (a zero or non-finite det[0] is left as it is).
+using linpack_detail::NormaliseDet;
 
 // TransformToPositiveDefinite: the share of the largest diagonal element added on top of
 // the shift found, and how many steps the growing phase may take beyond 2 n.
@@ -47,20 +49,6 @@ constexpr double kRescueNorm = 0.9;
 // int from i = 46341 on).
 inline std::size_t RowStart(int i) {
   return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2;
-}
-
-// Moves det[0] into 1 <= |det[0]| < 10, keeping det[0] x 10^det[1]. A zero or non-finite
-// det[0] is left as it is.
-void NormaliseDet(double * det) {
-  if (det[0] == 0.0 || !std::isfinite(det[0])) return;
-  while (std::fabs(det[0]) < 1.0) {
-    det[0] *= kDetBase;
-    det[1] -= 1.0;
-  }
-  while (std::fabs(det[0]) >= kDetBase) {
-    det[0] /= kDetBase;
-    det[1] += 1.0;
-  }
 }
 
 // Cholesky factor in place of the packed symmetric matrix a of order n, by rows: for
