@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/dist/detail/distfun_util.h"
 #include "zrcommon920r/math/dist/distfun.h"
 
 namespace ZRMath_920 {
@@ -11,9 +12,7 @@ namespace {
 
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 
-bool ValidDf(double df) {
-  return df > 0.0 && !std::isinf(df);
-}
+using distfun_detail::IsFinitePositive;
 
 }  // namespace
 
@@ -24,7 +23,7 @@ bool ValidDf(double df) {
 double ZRDistFun::tarncdff(const double & x, const double & df1, const double & df2,
                            std::int32_t & err) {
   err = 0;
-  if (std::isnan(x) || !ValidDf(df1) || !ValidDf(df2)) {
+  if (std::isnan(x) || !IsFinitePositive(df1) || !IsFinitePositive(df2)) {
     err = 1;
     return kMiss;
   }
@@ -56,7 +55,7 @@ double ZRDistFun::CdfF(double x, double df1, double df2) {
 }
 
 double ZRDistFun::SigF(double x, double df1, double df2) {
-  if (std::isnan(x) || !ValidDf(df1) || !ValidDf(df2)) return kMiss;
+  if (std::isnan(x) || !IsFinitePositive(df1) || !IsFinitePositive(df2)) return kMiss;
   if (x <= 0.0) return 1.0;
   if (std::isinf(x)) return 0.0;
   const double r = df2 / df1;
@@ -73,7 +72,7 @@ double ZRDistFun::SigF(double x, double df1, double df2) {
 double ZRDistFun::tarnidff(const double & p, const double & df1, const double & df2,
                            std::int32_t & err) {
   err = 0;
-  if (!(p >= 0.0 && p < 1.0) || !ValidDf(df1) || !ValidDf(df2)) {
+  if (!(p >= 0.0 && p < 1.0) || !IsFinitePositive(df1) || !IsFinitePositive(df2)) {
     err = 1;
     return kMiss;
   }

@@ -4,10 +4,13 @@
 #include <cmath>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/dist/detail/distfun_util.h"
 #include "zrcommon920r/math/dist/distfun.h"
 
 namespace ZRMath_920 {
 namespace {
+
+using distfun_detail::IsFinitePositive;
 
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 constexpr double kExpUnderflow = -708.0;
@@ -42,10 +45,6 @@ constexpr double kAs91C10 = 13.319999694824219;   // 13.32
 // The bisection fall-back of the chi-square quantile.
 constexpr int kMaxHalvings = 40;
 constexpr double kBisectionTol = 1e-8;
-
-bool IsFinitePositive(double v) {
-  return v > 0.0 && !std::isinf(v);
-}
 
 }  // namespace
 

@@ -4,10 +4,13 @@
 #include <limits>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/dist/detail/distfun_util.h"
 #include "zrcommon920r/math/dist/distfun.h"
 
 namespace ZRMath_920 {
 namespace {
+
+using distfun_detail::Horner;
 
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 constexpr double kInf = std::numeric_limits<double>::infinity();
@@ -22,14 +25,6 @@ constexpr double kBinomProductMax = 33.0;
 constexpr double kStirling[6] = {-0.0016331235920050082, 0.0008364453370338596,
                                  -0.0005951894757572819, 0.0007936505750541542,
                                  -0.0027777777773546303, 0.08333333333333309};
-
-// Polynomial with coefficients c, highest power first, at v.
-template <int N>
-double Horner(const double (&c)[N], double v) {
-  double s = c[0];
-  for (int i = 1; i < N; ++i) s = s * v + c[i];
-  return s;
-}
 
 // Written by tools/fit_distfun_tables.py (mpmath 1.3.0); do not edit.
 // lgamma(x), 3.5 <= x < 8: row floor(x) - 3, polynomial in x - (floor(x) + 0.5).

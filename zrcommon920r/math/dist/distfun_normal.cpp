@@ -3,10 +3,13 @@
 #include <cmath>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/dist/detail/distfun_util.h"
 #include "zrcommon920r/math/dist/distfun.h"
 
 namespace ZRMath_920 {
 namespace {
+
+using distfun_detail::Horner;
 
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 // exp of an argument below this counts as 0 in derfc.
@@ -18,14 +21,6 @@ constexpr double kErfSmallEnd = 2.2;
 constexpr double kErfLargeEnd = 6.9;
 // derfc's change of variable t = k / (|x| + k).
 constexpr double kErfcScale = 3.97886080735226;
-
-// Polynomial with coefficients c, highest power first, at v.
-template <int N>
-double Horner(const double (&c)[N], double v) {
-  double s = c[0];
-  for (int i = 1; i < N; ++i) s = s * v + c[i];
-  return s;
-}
 
 // Written by tools/fit_distfun_tables.py (mpmath 1.3.0); do not edit.
 // erf(a) / a, a < 2.2: row floor(a^2), polynomial in frac(a^2).

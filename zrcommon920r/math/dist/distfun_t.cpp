@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/dist/detail/distfun_util.h"
 #include "zrcommon920r/math/dist/distfun.h"
 
 namespace ZRMath_920 {
@@ -61,7 +62,7 @@ double ZRDistFun::CdfT(double x, double df) {
 }
 
 double ZRDistFun::SigT(double x, double df) {
-  if (std::isnan(x) || !(df > 0.0) || std::isinf(df)) return kMiss;
+  if (std::isnan(x) || !distfun_detail::IsFinitePositive(df)) return kMiss;
   if (std::isinf(x)) return x > 0.0 ? 0.0 : 1.0;
   if (x == 0.0) return 0.5;
   if (df == 1.0) return 0.5 - std::atan(x) / kPi;
@@ -120,7 +121,7 @@ double ZRDistFun::IdfT(double p, double df, double acu, double eps) {
 
 double ZRDistFun::PdfT(double x, double df, std::int32_t & err) {
   err = 0;
-  if (std::isnan(x) || !(df > 0.0) || std::isinf(df)) {
+  if (std::isnan(x) || !distfun_detail::IsFinitePositive(df)) {
     err = 1;
     return kMiss;
   }
