@@ -21,5 +21,9 @@
 #include "zrcommon920r/xml/core/numtext.h"
 #include "zrcommon920r/xml/core/objstream.h"
 #include "zrcommon920r/xml/core/xmltree.h"
+#include "zrcommon920r/xml/vars/encoder.h"
+#include "zrcommon920r/xml/vars/ivariable.h"
+#include "zrcommon920r/xml/vars/variable.h"
+#include "zrcommon920r/xml/vars/varlist.h"
 
 #endif  // ZRCOMMON920R_ZRCOMMON920R_H
