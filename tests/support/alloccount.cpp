@@ -1,0 +1,101 @@
+// The replaced global operator new and delete of the test executable; see alloccount.h.
+#include "support/alloccount.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+// Constant-initialised, so it is usable by allocations made before main and on any thread.
+thread_local long tAllocations = 0;
+
+void * Allocate(std::size_t size) noexcept {
+  ++tAllocations;
+  return std::malloc(size == 0 ? 1 : size);
+}
+
+void * AllocateAligned(std::size_t size, std::align_val_t align) noexcept {
+  ++tAllocations;
+  const std::size_t alignment = static_cast<std::size_t>(align);
+  // aligned_alloc wants a size that is a multiple of the alignment.
+  const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
+  return std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
+}
+
+void * OrThrow(void * p) {
+  if (p == nullptr) throw std::bad_alloc();
+  return p;
+}
+
+}  // namespace
+
+namespace zrtest {
+
+long AllocationsOnThisThread() {
+  return tAllocations;
+}
+
+}  // namespace zrtest
+
+void * operator new(std::size_t size) {
+  return OrThrow(Allocate(size));
+}
+void * operator new[](std::size_t size) {
+  return OrThrow(Allocate(size));
+}
+void * operator new(std::size_t size, const std::nothrow_t &) noexcept {
+  return Allocate(size);
+}
+void * operator new[](std::size_t size, const std::nothrow_t &) noexcept {
+  return Allocate(size);
+}
+void * operator new(std::size_t size, std::align_val_t align) {
+  return OrThrow(AllocateAligned(size, align));
+}
+void * operator new[](std::size_t size, std::align_val_t align) {
+  return OrThrow(AllocateAligned(size, align));
+}
+void * operator new(std::size_t size, std::align_val_t align, const std::nothrow_t &) noexcept {
+  return AllocateAligned(size, align);
+}
+void * operator new[](std::size_t size, std::align_val_t align, const std::nothrow_t &) noexcept {
+  return AllocateAligned(size, align);
+}
+
+void operator delete(void * p) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p) noexcept {
+  std::free(p);
+}
+void operator delete(void * p, std::size_t) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p, std::size_t) noexcept {
+  std::free(p);
+}
+void operator delete(void * p, const std::nothrow_t &) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p, const std::nothrow_t &) noexcept {
+  std::free(p);
+}
+void operator delete(void * p, std::align_val_t) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p, std::align_val_t) noexcept {
+  std::free(p);
+}
+void operator delete(void * p, std::size_t, std::align_val_t) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p, std::size_t, std::align_val_t) noexcept {
+  std::free(p);
+}
+void operator delete(void * p, std::align_val_t, const std::nothrow_t &) noexcept {
+  std::free(p);
+}
+void operator delete[](void * p, std::align_val_t, const std::nothrow_t &) noexcept {
+  std::free(p);
+}
