@@ -60,7 +60,7 @@ bench: check-tools
 # New inputs stay in the build tree. A finding leaves its input in $(BUILDDIR)/fuzz/work/artifacts/,
 # prints the end of the target's log and makes the exit non-zero once every target has run.
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid
+FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid varlist_reader
 fuzz: check-tools
 	$(call need-packages,$(FUZZ_PACKAGES))
 	cmake -S fuzz -B $(BUILDDIR)/fuzz -DCMAKE_CXX_COMPILER=clang++ -DZR_WERROR=$(WERROR)
@@ -69,7 +69,7 @@ fuzz: check-tools
 	  work=$(BUILDDIR)/fuzz/work; mkdir -p $$work/$$t $$work/artifacts; \
 	  echo "fuzz: $$t, $(FUZZ_SECONDS) s"; \
 	  if UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 $(BUILDDIR)/fuzz/$$t \
-	       -max_total_time=$(FUZZ_SECONDS) -max_len=1024 -timeout=10 -print_final_stats=1 \
+	       -max_total_time=$(FUZZ_SECONDS) -max_len=4096 -timeout=10 -print_final_stats=1 \
 	       -artifact_prefix=$$work/artifacts/$$t- $$work/$$t fuzz/corpus/$$t >$$work/$$t.log 2>&1; \
 	  then grep -E '^(Done|stat::number_of_executed_units)' $$work/$$t.log; \
 	  else tail -n 60 $$work/$$t.log; failed="$$failed $$t"; fi; \

@@ -15,6 +15,7 @@
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/xml/core/objstream.h"
 #include "zrcommon920r/xml/core/xmltree.h"
+#include "zrcommon920r/xml/vars/varlist.h"
 
 namespace {
 
@@ -103,6 +104,47 @@ std::string Tree(const std::string & value, bool utf8, bool format) {
   return out.str();
 }
 
+// Written variable lists, each within make fuzz's 4096 bytes, one holding
+// every variable and encoder kind with labels, missing values and intervals.
+std::string ListText(const ZRVarList & list) {
+  std::ostringstream out;
+  list.WriteObjectXML(out, 0);
+  return out.str();
+}
+
+void SaveLists() {
+  using V = IZRVariable;
+  ZRVarList cont, num, text, weight, all;
+  for (ZRVarList * l : {&cont, &all}) {
+    l->AddContVar("x", "R&D", 0, 10, V::kRoleInput, true, 5);
+    l->GetEncoderAt(l->FindVariable("x"))->SetMissingInterval(-3, 7.5);
+    l->GetEncoderAt(l->FindVariable("x"))->AddDiscreteUserMissing(-99, "none");
+  }
+  for (ZRVarList * l : {&num, &all}) {
+    l->AddCatVar("n", "N", std::vector<double>{5, 3, 7}, std::vector<std::string>{"five"},
+                 V::kRoleTarget);
+    l->GetEncoderAt(l->FindVariable("n"))->SetMissingInterval(100, 200);
+    l->GetEncoderAt(l->FindVariable("n"))->AddDiscreteUserMissing(9, "nine");
+    l->SetMissingValueReplacement(l->FindVariable("n"), "5");
+  }
+  for (ZRVarList * l : {&text, &all}) {
+    l->AddCatVar("s", "S", std::vector<std::string>{"a", " b "}, std::vector<std::string>{"A"},
+                 V::kRoleTargetResponse);
+    l->GetEncoderAt(l->FindVariable("s"))->AddDiscreteUserMissing("?", "unknown");
+  }
+  for (ZRVarList * l : {&weight, &all}) {
+    l->SetWeightVar("w", "W", V::kRoundNearest);
+    l->GetEncoderAt(l->GetFreqWeightIndex())->SetMissingInterval(1000, 2000);
+    l->GetEncoderAt(l->GetFreqWeightIndex())->AddDiscreteUserMissing(99, "unknown");
+  }
+  Save("varlist_reader", "empty", ListText(ZRVarList()));
+  Save("varlist_reader", "continuous", ListText(cont));
+  Save("varlist_reader", "numeric", ListText(num));
+  Save("varlist_reader", "string", ListText(text));
+  Save("varlist_reader", "weight", ListText(weight));
+  Save("varlist_reader", "all", ListText(all));
+}
+
 }  // namespace
 
 int main(int argc, char ** argv) {
@@ -135,5 +177,7 @@ int main(int argc, char ** argv) {
   Save("utf8_valid", "utf8_broken", std::string(1, '\x04') + Tree(broken, false, false));
   Save("utf8_valid", "cp1252", std::string(1, '\x02') + Tree(cp1252, false, true));
   Save("utf8_valid", "cp1252_tree", std::string(1, '\x0E') + Tree(latin1 + cp1252, false, true));
+
+  SaveLists();
   return 0;
 }
