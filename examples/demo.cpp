@@ -1,9 +1,11 @@
 // Example procedure: a weighted linear regression as an analytic procedure builds it.
-// It reads a small data set, accumulates weighted means and corrected cross-products in
-// one pass and again in two halves on two threads joined with Merge, sweeps the
-// predictors out of the cross-product matrix, takes the residuals in a second pass, and
-// reports coefficients, their standard errors, t-test p-values and the residual standard
-// deviation on the diagnostic stream, then as an XML document and a JSON record.
+// It describes the fields of a small data set with a variable list (predictors, a target
+// and a frequency weight), encodes each record through it, dropping the cases whose weight
+// is missing, accumulates weighted means and corrected cross-products in one pass and
+// again in two halves on two threads joined with Merge, sweeps the predictors out of the
+// cross-product matrix, takes the residuals in a second pass, and reports coefficients, their
+// standard errors, t-test p-values and the residual standard deviation on the diagnostic stream,
+// then as an XML document and a JSON record.
 //
 // Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
 #include <cmath>
@@ -27,29 +29,69 @@ using ZRMath_920::ZRSymMatrix;
 namespace disp = ZRDisplay_920;
 namespace xml = ZRXML_920;
 
-// A comma-separated file with a header line of names; every other line holds numbers.
+// A comma-separated file with a header line of names; every other line holds numbers, an
+// empty field standing for a missing value.
 struct DataSet {
   std::vector<std::string> names;
-  ZRRectMatrix rows;
+  ZRRectMatrix rows;  // encoded cases: predictors, response, then the frequency weight
 };
 
-bool ReadCsv(const std::string & path, DataSet & data) {
+// The fields of the file: every column but the last two is a predictor, the next-to-last
+// the response (the target) and the last a frequency weight, rounded to the nearest whole
+// number; a weight that is missing or not above 0 after rounding is missing.
+void DescribeFields(const std::vector<std::string> & names, xml::ZRVarList & fields) {
+  const int nCols = static_cast<int>(names.size());
+  for (int j = 0; j + 2 < nCols; ++j)
+    fields.AddContVar(names[j], names[j], xml::IZRVariable::kRoleInput);
+  fields.AddContVar(names[nCols - 2], names[nCols - 2], xml::IZRVariable::kRoleTarget);
+  fields.SetWeightVar(names[nCols - 1], "frequency weight", xml::IZRVariable::kRoundNearest);
+  fields.SetListwiseDeletion(true);
+}
+
+// Reads the file and encodes each record through the variable list. A case whose weight is
+// missing is dropped and counted as a bad weight; with listwise deletion, so is a case with
+// any other value missing. The list keeps the counts of the run.
+bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data) {
   std::ifstream in(path);
   std::string line, field;
   if (!in || !std::getline(in, line)) return false;
   std::stringstream header(line);
   while (std::getline(header, field, ',')) data.names.push_back(field);
   const int nCols = static_cast<int>(data.names.size());
+  if (nCols < 3) return false;
+  DescribeFields(data.names, fields);
+  const int weightIndex = fields.GetFreqWeightIndex();
+
+  std::vector<double> encoded(nCols);
+  double cases = 0.0, weighted = 0.0, dropped = 0.0, badWeights = 0.0;
   data.rows.SetNRowsCols(0, nCols, true);
   while (std::getline(in, line)) {
     if (line.empty()) continue;
-    std::stringstream fields(line);
-    const int row = data.rows.AddRow() - 1;
+    std::stringstream values(line);
+    bool missing = false;
     for (int j = 0; j < nCols; ++j) {
-      if (!std::getline(fields, field, ',')) return false;
-      data.rows.SetElem(row, j, std::stod(field));
+      if (!std::getline(values, field, ',')) field.clear();
+      const double raw = field.empty() ? ZRCommon_920::kSysMisValue : std::stod(field);
+      encoded[j] = fields.GetEncoderAt(j)->Encode(raw);
+      missing = missing || encoded[j] == ZRCommon_920::kSysMisValue;
     }
+    cases += 1.0;
+    if (encoded[weightIndex] == ZRCommon_920::kSysMisValue) {
+      badWeights += 1.0;
+      continue;
+    }
+    if (missing && fields.GetListwiseDeletion()) {
+      dropped += 1.0;
+      continue;
+    }
+    weighted += encoded[weightIndex];
+    const int row = data.rows.AddRow() - 1;
+    for (int j = 0; j < nCols; ++j) data.rows.SetElem(row, j, encoded[j]);
   }
+  fields.SetUnWeightedCount(cases);
+  fields.SetWeightedCount(weighted);
+  fields.SetDroppedCount(dropped);
+  fields.SetBadWeightCount(badWeights);
   return data.rows.GetNRows() > 0;
 }
 
@@ -149,14 +191,22 @@ void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
 int main(int argc, char ** argv) {
   const std::string path = argc > 1 ? argv[1] : ZR_DEMO_DATA;
   DataSet data;
-  if (!ReadCsv(path, data)) {
+  xml::ZRVarList fields;
+  if (!ReadCsv(path, fields, data)) {
     std::fprintf(stderr, "cannot read %s\n", path.c_str());
     return 1;
   }
   const int nVars = data.rows.GetNCols() - 1;  // the last column is a frequency weight
   const int nRows = data.rows.GetNRows();
   disp::DisplayS("data set", path);
+  disp::DisplayI("predictors", fields.GetNumInputVars());
+  xml::IZRVariable * target = fields.GetVarAt(fields.GetTargetIndex());
+  disp::DisplayS("response", target != nullptr ? target->GetVariableName() : "none");
+  disp::DisplayD("records read", fields.GetUnWeightedCount());
+  disp::DisplayD("dropped for a missing weight", fields.GetBadWeightCount());
+  disp::DisplayD("dropped for a missing value", fields.GetDroppedCount());
   disp::DisplayI("cases", nRows);
+  disp::DisplayD("weighted cases", fields.GetWeightedCount());
 
   // One pass over all cases.
   ZRMeansXProducts whole(nVars, true, true, false);

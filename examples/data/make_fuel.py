@@ -1,6 +1,7 @@
 """Writes fuel.csv, the demo's data set: 60 made-up vehicles with engine size (litres),
 weight (tonnes), age (years), fuel use (litres per 100 km) and a frequency weight (how
-many identical vehicles the row stands for). Run: python3 make_fuel.py > fuel.csv"""
+many identical vehicles the row stands for), then three rows the procedure drops.
+Run: python3 make_fuel.py > fuel.csv"""
 import random
 
 random.seed(920)
@@ -11,3 +12,7 @@ for _ in range(60):
     age = random.randint(0, 15)
     fuel = 2.1 + 1.35 * engine + 2.4 * weight + 0.06 * age + random.gauss(0.0, 0.45)
     print(f"{engine},{weight},{age},{fuel:.2f},{random.randint(1, 3)}")
+# Rows the procedure must drop: a zero and an empty frequency weight, a missing response.
+print("2.0,1.30,4,9.80,0")
+print("3.5,1.70,7,12.10,")
+print("2.8,1.40,3,,1")
