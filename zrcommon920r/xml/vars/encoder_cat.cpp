@@ -201,7 +201,7 @@ int ZRCatNumEncoder::ReadObjectXML(std::istream & in) {
 void ZRCatNumEncoder::Display() const {
   std::ostream & os = *ZRDisplay_920::GetOutStream();
   os << "\tBNCatNumEncoder: " << std::flush;  // Intended: the "BN" prefix stands
-  DisplayI("Last code = ", fLastCode);  // Intended: prints "Last code =  = n"
+  DisplayI("Last code = ", fLastCode);        // Intended: prints "Last code =  = n"
   DisplayText(1, "\t\tNumeric values of categories: ");
   DisplayDV("Numeric values of categories", fvValues);
   if (!fvValueLabels.empty()) DisplaySV("Value Labels:", fvValueLabels);
