@@ -15,6 +15,8 @@
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
+#include "zrcommon920r/math/random/uniform.h"
+#include "zrcommon920r/math/random/variates.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
 #include "zrcommon920r/math/stats/xprodpair.h"
 #include "zrcommon920r/xml/core/json.h"
