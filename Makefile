@@ -24,7 +24,8 @@ if [ "$$(id -u)" = 0 ]; then \
 else echo "apt-get install$$missing"; exit 1; fi
 endef
 TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev locales python3
-BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev
+BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev \
+                 libgsl-dev
 FUZZ_PACKAGES  = clang libclang-rt-14-dev libgtest-dev locales
 
 test: check-tools
@@ -60,7 +61,8 @@ bench: check-tools
 # New inputs stay in the build tree. A finding leaves its input in $(BUILDDIR)/fuzz/work/artifacts/,
 # prints the end of the target's log and makes the exit non-zero once every target has run.
 FUZZ_SECONDS ?= 60
-FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid varlist_reader
+FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid varlist_reader \
+                urandom_reader urandom_binary_reader
 fuzz: check-tools
 	$(call need-packages,$(FUZZ_PACKAGES))
 	cmake -S fuzz -B $(BUILDDIR)/fuzz -DCMAKE_CXX_COMPILER=clang++ -DZR_WERROR=$(WERROR)

@@ -13,6 +13,7 @@
 
 #include "support/testrecord.h"
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/random/uniform.h"
 #include "zrcommon920r/xml/core/objstream.h"
 #include "zrcommon920r/xml/core/xmltree.h"
 #include "zrcommon920r/xml/vars/varlist.h"
@@ -145,6 +146,16 @@ void SaveLists() {
   Save("varlist_reader", "all", ListText(all));
 }
 
+// The binary form of u, written through an fstream whose buffer is a string.
+std::string URandomBytes(const ZRMath_920::ZRURandom & u) {
+  std::stringbuf bytes(std::ios::in | std::ios::out | std::ios::binary);
+  std::fstream out;
+  static_cast<std::ios &>(out).rdbuf(&bytes);
+  out.clear();
+  u.WriteObject(out);
+  return bytes.str();
+}
+
 }  // namespace
 
 int main(int argc, char ** argv) {
@@ -168,6 +179,16 @@ int main(int argc, char ** argv) {
   Save("escape_diff", "blanks", Tree("  a, a   b,  ,    ", false, true));
   Save("escape_diff", "specials", Tree("x&y<z>\"q\"\t\n\r&amp;", false, false));
   Save("escape_diff", "record", Text(Sample(), 1));
+
+  using ZRMath_920::ZRURandom;
+  std::ostringstream urandom;
+  ZRURandom(34567).WriteObjectXML(urandom, 1);
+  Save("urandom_reader", "twister", urandom.str());
+  urandom.str("");
+  ZRURandom(4294967295u, false, false).WriteObjectXML(urandom, 0);
+  Save("urandom_reader", "runtime", urandom.str());
+  Save("urandom_binary_reader", "twister", URandomBytes(ZRURandom(34567)));
+  Save("urandom_binary_reader", "congruential", URandomBytes(ZRURandom(4294967295u, true, false)));
 
   const std::string latin1 = "caf\xE9 \xBD \xFF\xA0";
   const std::string cp1252 = "\x80 \x81\x8D\x8F\x90\x9D \x93q\x94 \x9F";
