@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -198,6 +199,14 @@ TEST(ZRVarList, SummariesByRole) {
   EXPECT_EQ(list.UpdateNumbersOfCategories(), 1 + 3 + 2 + 1 + 0);
   EXPECT_TRUE(list.SetMissingValueReplacement(0, "0"));
   EXPECT_EQ(*list.GetVarAt(0)->GetMissingValueReplacement(), "0");
+}
+
+// Fixed fault: category counts read from a stream overflowed the int sum (found by fuzzing).
+TEST(ZRVarList, CategorySumHeldAtIntLimits) {
+  ZRVarList list;
+  list.AddCatVar("big", "B", INT_MAX, V::kLevelNumericCategorical, kIn);
+  list.AddCatVar("more", "M", Doubles{1, 2, 3}, kIn);
+  EXPECT_EQ(list.UpdateNumbersOfCategories(), INT_MAX);
 }
 
 TEST(ZRVarList, CopiesAreDeep) {

@@ -2,6 +2,7 @@
 #include "zrcommon920r/xml/vars/varlist.h"
 
 #include <algorithm>
+#include <climits>
 #include <cstddef>
 #include <ostream>
 #include <string>
@@ -417,10 +418,10 @@ bool ZRVarList::SetMissingValueReplacement(int index, const std::string & replac
 }
 
 int ZRVarList::UpdateNumbersOfCategories() {
-  int sum = 0;
+  long long sum = 0;  // counts read from a stream may be anything: no int overflow
   for (IZRVariable * var : fvVars)
     if (var != nullptr) sum += var->UpdateNumberOfCategories();
-  return sum;
+  return static_cast<int>(std::clamp<long long>(sum, INT_MIN, INT_MAX));
 }
 
 bool ZRVarList::ChangeTargetEncoder(IZREncoder * encoder) {

@@ -126,7 +126,8 @@ class ZRVarList {
   bool SetVariableRole(int index, IZRVariable::VariableRole role);
   // Passes the replacement to the variable at index; false when out of range.
   bool SetMissingValueReplacement(int index, const std::string & replacement);
-  // UpdateNumberOfCategories of every variable; the sum of the results.
+  // UpdateNumberOfCategories of every variable; the sum of the results, held at the limits
+  // of int.
   int UpdateNumbersOfCategories();
   // Gives the categorical target encoder (ownership passes to the list) and sets its
   // number of categories from it. True when encoder is a category encoder (type 2 or 3)
