@@ -9,7 +9,10 @@
 
 namespace ZRMath_920 {
 
+class ZRBitSet;
+class IZRSymMatrix;
 class ZRRectMatrix;
+class ZRSymMatrix;
 
 // A view of one sparse row: ascending column indices and their values. The two lists
 // belong to the caller, who keeps them alive and unchanged while the view is used.
@@ -340,6 +343,119 @@ class ZRRectMatrix : public IZRRectMatrix {
   // then column p becomes zero. pivot is -1 and the result false for a bad row, a tol
   // that isn't positive, or a row with no such element (matrix unchanged).
   bool ZeroOutPivotRow(int i, double tol, int & pivot);
+
+  // --- Products with symmetric matrices (rectmatrix_decomp.cpp). Each element of a
+  // product is a row of S (ComputeRVD) times a row of this, summed in ascending order;
+  // the error is that of a dot product (Higham 2002, 3.1), tested to (p + 2) u sum |terms|.
+
+  // C = this * S. False when this or S is invalid or S's order isn't the column count (C
+  // unchanged), or when C cannot be sized or refuses an element. C may be this.
+  bool ComputeMatrixProduct(const IZRSymMatrix & S, IZRRectMatrix & C) const;
+  // Row i of this times column j of S; the system-missing value for a bad i or j, or when
+  // S's order isn't the column count.
+  double DotProductRowCol(int i, const IZRSymMatrix & S, int j) const;
+  // This becomes R1' A R2, A the sub-matrix of S of order sn at diagonal position so, each
+  // column of R1 (R2) read as a vector at rows o1 (o2) .. of A and zero elsewhere; every
+  // element is one S.ComputeVSSubWParts. The result is square with R2's width. False,
+  // unchanged, when an offset is negative, R1's rows + o1 or R2's rows + o2 exceed sn, R2
+  // has no columns, so + sn exceeds S's order, R1 and R2 differ in width, or an argument
+  // is invalid; false with sizes -1 when this cannot be sized. R1 or R2 may be this.
+  bool ComputeR1TransSR2(const ZRRectMatrix & R1, int o1, const ZRRectMatrix & R2, int o2,
+                         const ZRSymMatrix & S, int so, int sn);
+  // this += a * S. False, unchanged, unless this is square of S's order; true and
+  // unchanged when a == 0.0. S is taken by non-const reference but not written.
+  bool ComputeAXpY(double a, ZRSymMatrix & S);
+  // this -= f * S, element by element. False, unchanged, unless this is square of S's
+  // order.
+  bool SubtractSymMatrix(const ZRSymMatrix & S, double f);
+  // tr = trace(this * S), the sum over i of S.ComputeRVD(i, row i of this, 1). False, tr
+  // 0.0, unless this is square of S's order.
+  bool TraceOfProductSqS(const ZRSymMatrix & S, double & tr) const;
+  // tr = trace(A S), A the square part of this of S's order m at (off, off). A diagonal S
+  // (GetType 1) is read by its diagonal alone. False, tr 0.0, unless this is square,
+  // off >= 0, off + m fits and S is valid.
+  bool TraceOfProductSubMatSym(int off, const IZRSymMatrix & S, double & tr) const;
+
+  // --- Redundancy and estimability (rectmatrix_decomp.cpp).
+
+  // Whether row i has exactly one non-zero element (NaN counts as non-zero) among the
+  // columns whose bit is set in set or that lie past set's end; col gets that column. col
+  // is -1 first; on a second such column the result is false with col at the first. False
+  // for a bad row or no columns.
+  bool IsRowZeroButOne(int i, const ZRBitSet & set, int & col) const;
+  // Counts the candidate columns of cols (a model's selected columns) that stay usable:
+  // each row with a single non-zero among them (IsRowZeroButOne) fixes that column, which
+  // is dropped. out gets the columns kept: with cols of exactly the column count, cols AND
+  // kept; otherwise every bit set and, for the first min(cols' size, columns) positions,
+  // cols AND kept. The result is the number of bits of out whose column isn't entirely
+  // zero (with no rows, every set bit counts). -1, out unchanged, for an invalid matrix.
+  int CheckAddColRedundancies(const ZRBitSet & cols, ZRBitSet & out) const;
+  // With n = set's size, D becomes n x cols (rows true) or rows x n, all 0.0, and the k-th
+  // set bit receives row (column) k of this; the scan stops once k reaches the row
+  // (column) count. False, D unchanged, for an invalid matrix; false with D invalid when
+  // it cannot be sized. D may be this.
+  bool Expand(const ZRBitSet & set, bool rows, ZRRectMatrix & D) const;
+  // Redundant rows (rows true) or columns of this by a Cholesky pass over their Gram
+  // matrix (this this' or this' this) with LTChol(diag, tol * tol, set, false): tol is
+  // squared because the Gram matrix holds squares, so a row is redundant when its distance
+  // from the span of the earlier rows is not above tol times its norm. Returns the number
+  // redundant, set marking those kept; -1, set unchanged, for tol negative or NaN, an
+  // invalid matrix or a Gram matrix that cannot be sized. Intended: declared non-const,
+  // though nothing of this is changed.
+  int FindRedundancies(double tol, ZRBitSet & set, bool rows);
+  // The same test by CholIndNonRed(0, tol * tol, idx) on the Gram matrix: idx lists the
+  // rows (columns) kept, ascending, and the result is their number. -1, idx unchanged, as
+  // for FindRedundancies.
+  int FindNonRedunIndices(double tol, std::vector<int> & idx, bool rows) const;
+  // FindNonRedunIndices(tol, idx, rows), then D becomes those rows (columns) of this by
+  // ExtractRows (ExtractColumns); the result is the number kept. -1, D and idx unchanged,
+  // for tol negative or NaN; -1 also when the Gram matrix or D cannot be sized.
+  int ExtractFullRank(double tol, ZRRectMatrix & D, std::vector<int> & idx, bool rows) const;
+  // Whether every row l of this, a linear function of the parameters, is estimable: l = M l
+  // for M = X'X G (G a generalised inverse of X'X), whose columns at the set bits H holds
+  // side by side (cols x h, read compactly). False as soon as a row's sum over k of
+  // ((M l)_k - l_k)^2 / ||l||^2 exceeds tol * tol. Zero rows are skipped (all-zero rows
+  // pass); a row holding a NaN fails. False also when this is empty, tol isn't above 0,
+  // set has fewer bits than this has columns, H's rows aren't this's columns, or H has
+  // fewer columns than set bits among them. Intended: declared non-const, though nothing
+  // of this is changed.
+  bool IsEstimable(const ZRRectMatrix & H, const ZRBitSet & set, double tol);
+  // This X (n x p) becomes its residuals from the orthogonal projection onto the columns
+  // of Z (n x q): C = [Z X]'[Z X] (UpdateXXMat2) is swept on Z's rows with tol against
+  // C's own diagonal d, then X_j -= C(q + j, c) Z_c for each accepted c. zSet (q bits)
+  // marks the columns of Z used; xSet (p bits) those of X whose residual sum of squares
+  // is above tol * d[q + j]. Sweeping squares the condition: residuals are tested against
+  // least squares (LAPACK) to cond(Z)^2 eps ||X||. False, unchanged, when the row counts
+  // differ, n, p or q is below 1, tol isn't above 0, or memory runs out.
+  bool ResidOfOrthProjection(const ZRRectMatrix & Z, double tol, ZRBitSet & zSet, ZRBitSet & xSet);
+
+  // --- Decomposition and solves (rectmatrix_decomp.cpp).
+
+  // Householder QR (Golub and Van Loan 2013, Matrix Computations, 4th ed., 5.2.2): this =
+  // Q T (this' = Q T when there are more columns than rows), Q orthogonal of order M =
+  // max(rows, cols), T upper triangular M x m, m = min(rows, cols). R (resized to m when
+  // its order differs, then cleared) holds T(i, j), j >= i, as its element (i, j); its
+  // stored lower triangle is T'. T(k, k) is the reflector's a: negative when the column's
+  // leading element is positive, positive otherwise. Q is formed from the reflectors, the
+  // last first (as LAPACK's DORG2R). Tested ||Q'Q - I||_1 / (M eps) < 30 and ||A - Q T||_1 /
+  // (M ||A||_1 eps) < 30. False when this is empty or R or Q cannot be sized; false at a
+  // step whose column is zero from the diagonal down (or holds a NaN or infinity): R then
+  // holds the rows of T made so far and Q the product of the reflectors so far.
+  bool QRDecompositionH(ZRSymMatrix & R, ZRRectMatrix & Q) const;
+  // Solves this x = b (n x n) by LU with partial pivoting: Linpack::Dgeco factors a copy
+  // and estimates the reciprocal 1-norm condition rcond, and Dgesl solves (backward
+  // stable: tested ||A x - b||_1 / (n ||A||_1 ||x||_1 eps) < 30, and against LAPACK's
+  // dgesv). True only when rcond > tol; x then gets n elements (b's surplus is ignored).
+  // False, x unchanged, when this isn't square, n < 1, tol is negative or NaN, b has fewer
+  // than n elements, or rcond isn't above tol (a NaN or infinity in this included).
+  bool SolveLinearSquare(const std::vector<double> & b, std::vector<double> & x, double tol) const;
+  // Least squares or generalised solution of this x = b: a square this is tried first by
+  // SolveLinearSquare (0 on success); otherwise the normal equations this' this x =
+  // this' b are solved by ZRSymMatrix::LTSolve with tol, giving 0.0 at each aliased column.
+  // Returns the number of aliased columns. The normal equations square the condition:
+  // tested against LAPACK's dgelsd to cond^2 eps. -1, x unchanged, when this is empty, tol
+  // isn't above 0, b has fewer elements than this has rows, or memory runs out.
+  int EstimateLinearGI(const std::vector<double> & b, std::vector<double> & x, double tol) const;
 
  private:
   // Resizes v to nRows * nCols when both are positive; a count above INT_MAX or a failed
