@@ -10,6 +10,8 @@ void dgetrs_(const char * trans, const int * n, const int * nrhs, const double *
              const int * ipiv, double * b, const int * ldb, int * info);
 void dgetri_(const int * n, double * a, const int * lda, const int * ipiv, double * work,
              const int * lwork, int * info);
+void dgesv_(const int * n, const int * nrhs, double * a, const int * lda, int * ipiv, double * b,
+            const int * ldb, int * info);
 void dgecon_(const char * norm, const int * n, const double * a, const int * lda,
              const double * anorm, double * rcond, double * work, int * iwork, int * info);
 // General band.
@@ -44,6 +46,9 @@ void dptsv_(const int * n, const int * nrhs, double * d, double * e, double * b,
 void dgels_(const char * trans, const int * m, const int * n, const int * nrhs, double * a,
             const int * lda, double * b, const int * ldb, double * work, const int * lwork,
             int * info);
+void dgelsd_(const int * m, const int * n, const int * nrhs, double * a, const int * lda,
+             double * b, const int * ldb, double * s, const double * rcond, int * rank,
+             double * work, const int * lwork, int * iwork, int * info);
 void dgeqp3_(const int * m, const int * n, double * a, const int * lda, int * jpvt, double * tau,
              double * work, const int * lwork, int * info);
 void dgesvd_(const char * jobu, const char * jobvt, const int * m, const int * n, double * a,
