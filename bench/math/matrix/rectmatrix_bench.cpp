@@ -1,15 +1,19 @@
-// Dense rectangular products against the reference BLAS on the same data.
+// Dense rectangular products against the reference BLAS, and Householder QR with its full
+// orthogonal factor against reference LAPACK, on the same data.
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
 #include "refblas.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
+#include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace {
 
 using ZRMath_920::ZRRectMatrix;
+using ZRMath_920::ZRSymMatrix;
 
 ZRRectMatrix RandomMatrix(int rows, int cols, unsigned seed) {
   std::mt19937 gen(seed);
@@ -73,8 +77,50 @@ void ComputeMatrixProduct_ref(benchmark::State & state) {
   }
 }
 
+void QRDecompositionH_zr(benchmark::State & state) {
+  const int m = static_cast<int>(state.range(0)), n = static_cast<int>(state.range(1));
+  const ZRRectMatrix a = RandomMatrix(m, n, 4);
+  ZRSymMatrix r;
+  ZRRectMatrix q;
+  for (auto _ : state) {
+    a.QRDecompositionH(r, q);
+    benchmark::DoNotOptimize(&q);
+  }
+}
+
+// The same work: T and the full m x m Q, by dgeqrf on a copy of A in the first n columns
+// of an m x m array, then dorgqr with the n reflectors.
+void QRDecompositionH_ref(benchmark::State & state) {
+  const int m = static_cast<int>(state.range(0)), n = static_cast<int>(state.range(1));
+  const std::vector<double> byRows = Flat(RandomMatrix(m, n, 4));
+  std::vector<double> byCols(byRows.size()), qa(static_cast<std::size_t>(m) * m), tau(n);
+  for (int i = 0; i < m; ++i)
+    for (int j = 0; j < n; ++j)
+      byCols[static_cast<std::size_t>(j) * m + i] = byRows[static_cast<std::size_t>(i) * n + j];
+  int info = 0, query = -1;
+  double size1 = 0.0, size2 = 0.0;
+  dgeqrf_(&m, &n, qa.data(), &m, tau.data(), &size1, &query, &info);
+  dorgqr_(&m, &m, &n, qa.data(), &m, tau.data(), &size2, &query, &info);
+  const int lwork = static_cast<int>(std::max(size1, size2));
+  std::vector<double> work(lwork);
+  for (auto _ : state) {
+    std::copy(byCols.begin(), byCols.end(), qa.begin());
+    dgeqrf_(&m, &n, qa.data(), &m, tau.data(), work.data(), &lwork, &info);
+    dorgqr_(&m, &m, &n, qa.data(), &m, tau.data(), work.data(), &lwork, &info);
+    benchmark::DoNotOptimize(qa.data());
+  }
+}
+
 }  // namespace
 
+BENCHMARK(QRDecompositionH_zr)
+    ->Name("QRDecompositionH/zr")
+    ->Args({200, 50})
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(QRDecompositionH_ref)
+    ->Name("QRDecompositionH/ref")
+    ->Args({200, 50})
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK(ComputeRV_zr)->Name("ComputeRV/zr")->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ComputeRV_ref)->Name("ComputeRV/ref")->Arg(1000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(ComputeMatrixProduct_zr)
