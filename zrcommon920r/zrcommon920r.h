@@ -12,6 +12,7 @@
 #include "zrcommon920r/math/dist/mathfun.h"
 #include "zrcommon920r/math/dist/power.h"
 #include "zrcommon920r/math/hashkey.h"
+#include "zrcommon920r/math/matrix/eigen.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"

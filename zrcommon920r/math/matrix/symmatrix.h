@@ -797,6 +797,8 @@ class ZRSymMatrix : public IZRSymMatrix {
   friend class ZRMeansXProdData;
   friend class ZRMeansXProducts;
   friend class ZRAccumXProdPair;
+  // The eigenvalue class reduces the packed store to tridiagonal form in place.
+  friend class ZREigenValues;
 
   // Sizes v to n (n + 1) / 2 inside an allocation guard; n becomes -1 on failure, and the
   // buffer is emptied when n is not above 0. True when n >= 0.
