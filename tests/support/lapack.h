@@ -56,6 +56,11 @@ void dgesvd_(const char * jobu, const char * jobvt, const int * m, const int * n
              const int * ldvt, double * work, const int * lwork, int * info);
 void dsyev_(const char * jobz, const char * uplo, const int * n, double * a, const int * lda,
             double * w, double * work, const int * lwork, int * info);
+void dspev_(const char * jobz, const char * uplo, const int * n, double * ap, double * w,
+            double * z, const int * ldz, double * work, int * info);
+void dsygv_(const int * itype, const char * jobz, const char * uplo, const int * n, double * a,
+            const int * lda, double * b, const int * ldb, double * w, double * work,
+            const int * lwork, int * info);
 // BLAS level 1 for cross-checks.
 double dnrm2_(const int * n, const double * x, const int * incx);
 double ddot_(const int * n, const double * x, const int * incx, const double * y, const int * incy);
