@@ -2,8 +2,12 @@
 #ifndef ZRCOMMON920R_ZRCOMMON920R_H
 #define ZRCOMMON920R_ZRCOMMON920R_H
 
+#include "zrcommon920r/common/cancel.h"
+#include "zrcommon920r/common/dynlib.h"
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/common/progress.h"
 #include "zrcommon920r/common/status.h"
+#include "zrcommon920r/common/timeutil.h"
 #include "zrcommon920r/common/value.h"
 #include "zrcommon920r/common/warnings.h"
 #include "zrcommon920r/display/display.h"
@@ -19,6 +23,7 @@
 #include "zrcommon920r/math/random/uniform.h"
 #include "zrcommon920r/math/random/variates.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
+#include "zrcommon920r/math/stats/unistats.h"
 #include "zrcommon920r/math/stats/xprodpair.h"
 #include "zrcommon920r/xml/core/json.h"
 #include "zrcommon920r/xml/core/numtext.h"
