@@ -1,14 +1,17 @@
 // Example procedure: a weighted linear regression as an analytic procedure builds it.
 // It describes the fields of a small data set with a variable list (predictors, a target
 // and a frequency weight), encodes each record through it, dropping the cases whose weight
-// is missing, accumulates weighted means and corrected cross-products in one pass and
-// again in two halves on two threads joined with Merge, sweeps the predictors out of the
-// cross-product matrix, takes the residuals in a second pass, and reports coefficients, their
-// standard errors, t-test p-values and the residual standard deviation on the diagnostic stream,
-// then as an XML document and a JSON record.
+// is missing, and polls for cancellation (Ctrl-C) between records. It accumulates weighted
+// means and corrected cross-products in one pass and again in two halves on two threads
+// joined with Merge, with each field's summary pooled from the halves, sweeps the
+// predictors out of the cross-product matrix, takes the residuals in a second pass, and
+// reports coefficients, their standard errors, t-test p-values and the residual standard
+// deviation on the diagnostic stream, then as an XML document and a JSON record, and last
+// the processor time the build took.
 //
 // Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
 #include <cmath>
+#include <csignal>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -50,8 +53,10 @@ void DescribeFields(const std::vector<std::string> & names, xml::ZRVarList & fie
 
 // Reads the file and encodes each record through the variable list. A case whose weight is
 // missing is dropped and counted as a bad weight; with listwise deletion, so is a case with
-// any other value missing. The list keeps the counts of the run.
-bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data) {
+// any other value missing. The list keeps the counts of the run. False when the file can't
+// be read or has no usable case, or when cancel says stop (polled before each record).
+bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data,
+             ZRMath_920::ZRCancelInfo & cancel) {
   std::ifstream in(path);
   std::string line, field;
   if (!in || !std::getline(in, line)) return false;
@@ -66,6 +71,7 @@ bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data) 
   double cases = 0.0, weighted = 0.0, dropped = 0.0, badWeights = 0.0;
   data.rows.SetNRowsCols(0, nCols, true);
   while (std::getline(in, line)) {
+    if (cancel.IsCancel()) return false;
     if (line.empty()) continue;
     std::stringstream values(line);
     bool missing = false;
@@ -95,11 +101,27 @@ bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data) 
   return data.rows.GetNRows() > 0;
 }
 
-// Summarises rows [first, first + count) of the block: variables, then the weight column.
-bool Summarise(const ZRRectMatrix & block, int first, int count, ZRMeansXProducts & out) {
+// Summarises rows [first, first + count) of the block: the cross-products of the variables,
+// weighted by the last column, and each variable's weighted mean, variance and range.
+bool Summarise(const ZRRectMatrix & block, int first, int count, ZRMeansXProducts & out,
+               std::vector<ZRMath_920::ZRContStats> & fields) {
+  const int nVars = block.GetNCols() - 1;
+  fields.assign(nVars, ZRMath_920::ZRContStats());
+  for (int r = first; r < first + count; ++r)
+    for (int j = 0; j < nVars; ++j)
+      fields[j].Update(block.GetElem(r, j), block.GetElem(r, nVars), 1.0);
   ZRRectMatrix part;
   return part.CopyRows(block, first, count) && out.Compute(part, 0);
 }
+
+// Ctrl-C asks the procedure to stop: the reading loop polls this through a ZRCancelInfo.
+volatile std::sig_atomic_t gInterrupted = 0;
+
+class InterruptCancel : public ZRCommon_920::ZRQueryCancel {
+ public:
+  bool IsCancelRequested() override { return gInterrupted != 0; }
+  bool IsCancelPending() override { return gInterrupted != 0; }
+};
 
 // Regression of the last variable on the others by sweeping the corrected cross-products.
 // The residual sum of squares comes from a second pass over the data, weighted as they are:
@@ -190,10 +212,15 @@ void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
 
 int main(int argc, char ** argv) {
   const std::string path = argc > 1 ? argv[1] : ZR_DEMO_DATA;
+  ZRMath_920::ZRTimeUtil clock("model build");
+  std::signal(SIGINT, [](int) { gInterrupted = 1; });
+  InterruptCancel interrupt;
+  ZRMath_920::ZRCancelInfo cancel(&interrupt);
   DataSet data;
   xml::ZRVarList fields;
-  if (!ReadCsv(path, fields, data)) {
-    std::fprintf(stderr, "cannot read %s\n", path.c_str());
+  if (!ReadCsv(path, fields, data, cancel)) {
+    std::fprintf(stderr, cancel.IsCancel() ? "cancelled while reading %s\n" : "cannot read %s\n",
+                 path.c_str());
     return 1;
   }
   const int nVars = data.rows.GetNCols() - 1;  // the last column is a frequency weight
@@ -214,12 +241,26 @@ int main(int argc, char ** argv) {
 
   // The same in two halves, one per thread, joined afterwards.
   ZRMeansXProducts first(nVars, true, true, false), second(nVars, true, true, false);
+  std::vector<ZRMath_920::ZRContStats> firstFields, secondFields;
   bool okFirst = false, okSecond = false;
-  std::thread t1([&] { okFirst = Summarise(data.rows, 0, nRows / 2, first); });
-  std::thread t2([&] { okSecond = Summarise(data.rows, nRows / 2, nRows - nRows / 2, second); });
+  std::thread t1([&] { okFirst = Summarise(data.rows, 0, nRows / 2, first, firstFields); });
+  std::thread t2(
+      [&] { okSecond = Summarise(data.rows, nRows / 2, nRows - nRows / 2, second, secondFields); });
   t1.join();
   t2.join();
   if (!okFirst || !okSecond || !first.Merge(second)) return 1;
+
+  // Each field's summary, its two halves pooled.
+  for (int j = 0; j < nVars; ++j) {
+    ZRMath_920::ZRContStats & stats = firstFields[j];
+    stats.Pool(secondFields[j]);
+    disp::DisplayText(1, "summary of ");
+    disp::DisplayText(0, data.names[j]);
+    disp::DisplayD("  weighted mean", stats.GetMean());
+    disp::DisplayD("  standard deviation", std::sqrt(stats.GetVariance()));
+    disp::DisplayD("  minimum", stats.GetExtrema().first);
+    disp::DisplayD("  maximum", stats.GetExtrema().second);
+  }
 
   double maxDiff = 0.0;
   for (int i = 0; i < nVars; ++i)
@@ -230,6 +271,11 @@ int main(int argc, char ** argv) {
   disp::DisplayD("largest difference, merged halves against one pass", maxDiff);
 
   Fit(first, data.rows, data.names);
+  clock.Accumulate();
+  int ms = 0, calls = 0;
+  double seconds = 0.0;
+  clock.GetTime(ms, seconds, calls);
+  disp::DisplayI("processor time of the model build, ms", ms);
   std::printf("\n");
   return 0;
 }
