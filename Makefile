@@ -23,7 +23,7 @@ if [ "$$(id -u)" = 0 ]; then \
   apt-get install -y $$missing || { apt-get update && apt-get install -y $$missing; }; \
 else echo "apt-get install$$missing"; exit 1; fi
 endef
-TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev locales python3
+TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev libxml2-utils locales python3
 BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev \
                  libgsl-dev libopenblas0-pthread
 FUZZ_PACKAGES  = clang libclang-rt-14-dev libgtest-dev locales
