@@ -29,6 +29,8 @@
 #include "zrcommon920r/xml/core/numtext.h"
 #include "zrcommon920r/xml/core/objstream.h"
 #include "zrcommon920r/xml/core/xmltree.h"
+#include "zrcommon920r/xml/export/pmml.h"
+#include "zrcommon920r/xml/export/pmmlvocab.h"
 #include "zrcommon920r/xml/export/statxml.h"
 #include "zrcommon920r/xml/export/varrecords.h"
 #include "zrcommon920r/xml/vars/encoder.h"
