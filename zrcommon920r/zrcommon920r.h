@@ -33,6 +33,7 @@
 #include "zrcommon920r/xml/export/pmmlvocab.h"
 #include "zrcommon920r/xml/export/statxml.h"
 #include "zrcommon920r/xml/export/varrecords.h"
+#include "zrcommon920r/xml/settings/settings.h"
 #include "zrcommon920r/xml/vars/encoder.h"
 #include "zrcommon920r/xml/vars/ivariable.h"
 #include "zrcommon920r/xml/vars/variable.h"
