@@ -62,7 +62,7 @@ bench: check-tools
 # prints the end of the target's log and makes the exit non-zero once every target has run.
 FUZZ_SECONDS ?= 60
 FUZZ_TARGETS  = objstream_reader record_reader escape_diff utf8_valid varlist_reader \
-                urandom_reader urandom_binary_reader
+                urandom_reader urandom_binary_reader settings_text
 fuzz: check-tools
 	$(call need-packages,$(FUZZ_PACKAGES))
 	cmake -S fuzz -B $(BUILDDIR)/fuzz -DCMAKE_CXX_COMPILER=clang++ -DZR_WERROR=$(WERROR)

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <initializer_list>
 #include <limits>
 #include <sstream>
 #include <string>
@@ -156,6 +157,24 @@ std::string URandomBytes(const ZRMath_920::ZRURandom & u) {
   return bytes.str();
 }
 
+// Texts for settings_text, NUL-separated: numbers of every form the getters and the
+// vector conversions read, their limits, and the one text that is a true bool.
+void SaveSettingTexts() {
+  const auto joined = [](std::initializer_list<const char *> texts) {
+    std::string out;
+    for (const char * text : texts) out += std::string(text) + '\0';
+    out.pop_back();
+    return out;
+  };
+  Save("settings_text", "ints", joined({"12", " -3", "+7", "12abc", "2147483647", "-2147483648"}));
+  Save("settings_text", "limits",
+       joined({"2147483648", "-2147483649", "9223372036854775807", "-9223372036854775809",
+               "99999999999999999999"}));
+  Save("settings_text", "doubles", joined({"1.5", "-0.25e3", "1,5", "1e400", "4.9e-324", ".5"}));
+  Save("settings_text", "words", joined({"true", "True", "", "abc", "0x1A", "true", " "}));
+  Save("settings_text", "bytes", std::string("\x80\xff\0a\0\0b\x01", 8));
+}
+
 }  // namespace
 
 int main(int argc, char ** argv) {
@@ -200,5 +219,6 @@ int main(int argc, char ** argv) {
   Save("utf8_valid", "cp1252_tree", std::string(1, '\x0E') + Tree(latin1 + cp1252, false, true));
 
   SaveLists();
+  SaveSettingTexts();
   return 0;
 }
