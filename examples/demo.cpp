@@ -9,7 +9,9 @@
 // deviation on the diagnostic stream, then as an XML document and a JSON record, and last
 // the processor time the build took.
 //
-// Usage: zr_demo [file.csv]   (default: the bundled examples/data/fuel.csv)
+// Usage: zr_demo [file.csv] [name=value ...]   (default: the bundled examples/data/fuel.csv)
+// Options, read from a settings tree: tolerance=1e-10 (the sweep's), rounding=nearest (of
+// the frequency weight; or truncate, asis).
 #include <cmath>
 #include <csignal>
 #include <cstdio>
@@ -39,24 +41,66 @@ struct DataSet {
   ZRRectMatrix rows;  // encoded cases: predictors, response, then the frequency weight
 };
 
+// The procedure's options, read from a settings tree.
+struct Options {
+  double tolerance = 1e-10;  // the sweep's pivot tolerance
+  xml::IZRVariable::WRoundingOption rounding = xml::IZRVariable::kRoundNearest;
+};
+
+// The options as a settings tree: the defaults, each then replaced by an argument
+// name=value of the same name. The other arguments are returned in order.
+xml::ZRSettings OptionSettings(int argc, char ** argv, std::vector<std::string> & positional) {
+  xml::ZRSettings settings;
+  const Options defaults;
+  settings.AddSetting("tolerance", defaults.tolerance, false);
+  settings.AddSetting("rounding", std::string("nearest"), false);  // truncate, nearest, asis
+  for (int i = 1; i < argc; ++i) {
+    const std::string arg = argv[i];
+    const std::size_t eq = arg.find('=');
+    if (eq == std::string::npos) {
+      positional.push_back(arg);
+      continue;
+    }
+    double number = 0.0;
+    std::istringstream text(arg.substr(eq + 1));
+    if (text >> number && text.eof())
+      settings.AddSetting(arg.substr(0, eq), number, true);
+    else
+      settings.AddSetting(arg.substr(0, eq), arg.substr(eq + 1), true);
+  }
+  return settings;
+}
+
+Options ReadOptions(const xml::ZRSettings & settings) {
+  Options options;
+  settings.GetSettingValByName("tolerance", options.tolerance);
+  std::string rounding;
+  settings.GetSettingValByName("rounding", rounding);
+  options.rounding = rounding == "truncate" ? xml::IZRVariable::kRoundTruncate
+                     : rounding == "asis"   ? xml::IZRVariable::kRoundAsIs
+                                            : xml::IZRVariable::kRoundNearest;
+  return options;
+}
+
 // The fields of the file: every column but the last two is a predictor, the next-to-last
-// the response (the target) and the last a frequency weight, rounded to the nearest whole
-// number; a weight that is missing or not above 0 after rounding is missing.
-void DescribeFields(const std::vector<std::string> & names, xml::ZRVarList & fields) {
+// the response (the target) and the last a frequency weight, rounded as the options say;
+// a weight that is missing or not above 0 after rounding is missing.
+void DescribeFields(const std::vector<std::string> & names, const Options & options,
+                    xml::ZRVarList & fields) {
   const int nCols = static_cast<int>(names.size());
   for (int j = 0; j + 2 < nCols; ++j)
     fields.AddContVar(names[j], names[j], xml::IZRVariable::kRoleInput);
   fields.AddContVar(names[nCols - 2], names[nCols - 2], xml::IZRVariable::kRoleTarget);
-  fields.SetWeightVar(names[nCols - 1], "frequency weight", xml::IZRVariable::kRoundNearest);
-  fields.SetListwiseDeletion(true);
+  fields.SetWeightVar(names[nCols - 1], "frequency weight", options.rounding);
+  fields.SetListwiseDeletion(true);  // the fit has no use for a case with a value missing
 }
 
 // Reads the file and encodes each record through the variable list. A case whose weight is
 // missing is dropped and counted as a bad weight; with listwise deletion, so is a case with
 // any other value missing. The list keeps the counts of the run. False when the file can't
 // be read or has no usable case, or when cancel says stop (polled before each record).
-bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data,
-             ZRMath_920::ZRCancelInfo & cancel) {
+bool ReadCsv(const std::string & path, const Options & options, xml::ZRVarList & fields,
+             DataSet & data, ZRMath_920::ZRCancelInfo & cancel) {
   std::ifstream in(path);
   std::string line, field;
   if (!in || !std::getline(in, line)) return false;
@@ -64,7 +108,7 @@ bool ReadCsv(const std::string & path, xml::ZRVarList & fields, DataSet & data,
   while (std::getline(header, field, ',')) data.names.push_back(field);
   const int nCols = static_cast<int>(data.names.size());
   if (nCols < 3) return false;
-  DescribeFields(data.names, fields);
+  DescribeFields(data.names, options, fields);
   const int weightIndex = fields.GetFreqWeightIndex();
 
   std::vector<double> encoded(nCols);
@@ -128,7 +172,7 @@ class InterruptCancel : public ZRCommon_920::ZRQueryCancel {
 // the element the sweep leaves behind is a difference of large sums and can even come out
 // negative when the fit is exact.
 void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
-         const std::vector<std::string> & names) {
+         const std::vector<std::string> & names, double tolerance) {
   const int p = summary.GetNVars() - 1;  // predictors; the response is the last variable
   const double n = summary.GetNCases();
   const std::vector<double> & means = summary.GetMeans();
@@ -136,7 +180,7 @@ void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
 
   ZRBitSet entered;
   double logDet = 0.0;
-  a.SweepOnMany(p, 1e-10, true, entered, logDet, true, nullptr);
+  a.SweepOnMany(p, tolerance, true, entered, logDet, true, nullptr);
   std::vector<double> b;
   a.GetRegCoeffs(b, entered);
 
@@ -211,14 +255,17 @@ void Fit(const ZRMeansXProducts & summary, const ZRRectMatrix & rows,
 }  // namespace
 
 int main(int argc, char ** argv) {
-  const std::string path = argc > 1 ? argv[1] : ZR_DEMO_DATA;
+  std::vector<std::string> positional;
+  const xml::ZRSettings settings = OptionSettings(argc, argv, positional);
+  const Options options = ReadOptions(settings);
+  const std::string path = !positional.empty() ? positional[0] : ZR_DEMO_DATA;
   ZRMath_920::ZRTimeUtil clock("model build");
   std::signal(SIGINT, [](int) { gInterrupted = 1; });
   InterruptCancel interrupt;
   ZRMath_920::ZRCancelInfo cancel(&interrupt);
   DataSet data;
   xml::ZRVarList fields;
-  if (!ReadCsv(path, fields, data, cancel)) {
+  if (!ReadCsv(path, options, fields, data, cancel)) {
     std::fprintf(stderr, cancel.IsCancel() ? "cancelled while reading %s\n" : "cannot read %s\n",
                  path.c_str());
     return 1;
@@ -226,6 +273,8 @@ int main(int argc, char ** argv) {
   const int nVars = data.rows.GetNCols() - 1;  // the last column is a frequency weight
   const int nRows = data.rows.GetNRows();
   disp::DisplayS("data set", path);
+  disp::DisplayD("option tolerance", options.tolerance);
+  ZRCommon_920::ZRMV::DisplayRounding("option rounding", options.rounding);
   disp::DisplayI("predictors", fields.GetNumInputVars());
   xml::IZRVariable * target = fields.GetVarAt(fields.GetTargetIndex());
   disp::DisplayS("response", target != nullptr ? target->GetVariableName() : "none");
@@ -270,7 +319,7 @@ int main(int argc, char ** argv) {
   disp::DisplayDV("means", whole.GetMeans(), false);
   disp::DisplayD("largest difference, merged halves against one pass", maxDiff);
 
-  Fit(first, data.rows, data.names);
+  Fit(first, data.rows, data.names, options.tolerance);
   clock.Accumulate();
   int ms = 0, calls = 0;
   double seconds = 0.0;
