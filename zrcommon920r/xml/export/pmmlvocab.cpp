@@ -343,6 +343,12 @@ const std::string PMML_input = "input";
 const std::string PMML_freqWeight = "freqWeight";
 const std::string PMML_recordId = "recordId";
 const std::string PMML_none = "none";
+const std::string PMML_RegressionTable = "RegressionTable";
+const std::string PMML_NumericPredictor = "NumericPredictor";
+const std::string PMML_CategoricalPredictor = "CategoricalPredictor";
+const std::string PMML_intercept = "intercept";
+const std::string PMML_coefficient = "coefficient";
+const std::string PMML_frequencyWeight = "frequencyWeight";
 
 const std::string PMML_NAMESPACE_3_2 = "http://www.dmg.org/PMML-3_2";
 const std::string PMML_NAMESPACE_4_0 = "http://www.dmg.org/PMML-4_0";

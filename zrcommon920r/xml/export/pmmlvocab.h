@@ -350,6 +350,12 @@ extern const std::string PMML_input;
 extern const std::string PMML_freqWeight;
 extern const std::string PMML_recordId;
 extern const std::string PMML_none;
+extern const std::string PMML_RegressionTable;
+extern const std::string PMML_NumericPredictor;
+extern const std::string PMML_CategoricalPredictor;
+extern const std::string PMML_intercept;
+extern const std::string PMML_coefficient;
+extern const std::string PMML_frequencyWeight;
 
 // "http://www.dmg.org/PMML-4_3" and the namespaces of the earlier versions.
 extern const std::string PMML_NAMESPACE_3_2;
