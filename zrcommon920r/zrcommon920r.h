@@ -15,6 +15,7 @@
 #include "zrcommon920r/math/dist/distfun.h"
 #include "zrcommon920r/math/dist/mathfun.h"
 #include "zrcommon920r/math/dist/power.h"
+#include "zrcommon920r/math/dist/quadrature.h"
 #include "zrcommon920r/math/hashkey.h"
 #include "zrcommon920r/math/matrix/eigen.h"
 #include "zrcommon920r/math/matrix/kernels.h"
