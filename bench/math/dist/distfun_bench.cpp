@@ -1,20 +1,29 @@
 // Distribution functions against R's standalone math library (rmath) and Boost.Math
-// (boost), each side timed on the same grid of kPoints inputs and reported per call.
+// (boost), each side timed on the same grid of kPoints inputs and reported per call; Lobatto
+// quadrature against Boost's 15-point Gauss-Kronrod on the same integrands.
 // Boost runs in double throughout (promote_double<false>), not its default long double.
 #include <benchmark/benchmark.h>
+#include <boost/math/distributions/binomial.hpp>
 #include <boost/math/distributions/chi_squared.hpp>
 #include <boost/math/distributions/fisher_f.hpp>
+#include <boost/math/distributions/hypergeometric.hpp>
+#include <boost/math/distributions/non_central_chi_squared.hpp>
+#include <boost/math/distributions/non_central_f.hpp>
+#include <boost/math/distributions/non_central_t.hpp>
 #include <boost/math/distributions/normal.hpp>
 #include <boost/math/distributions/students_t.hpp>
+#include <boost/math/quadrature/gauss_kronrod.hpp>
 #include <boost/math/special_functions/beta.hpp>
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <initializer_list>
 #include <string>
 #include <vector>
 
 #include "zrcommon920r/math/dist/distfun.h"
+#include "zrcommon920r/math/dist/quadrature.h"
 
 // Last: it defines pnorm and qnorm as macros.
 #include <Rmath.h>
@@ -67,6 +76,69 @@ void Register(const std::string & work, const std::string & args, const std::vec
   benchmark::RegisterBenchmark(name("zr").c_str(), PerCall<Zr, Rm>, grid, zr, rmath);
   benchmark::RegisterBenchmark(name("rmath").c_str(), PerCall<Rm, Rm>, grid, rmath, rmath);
   benchmark::RegisterBenchmark(name("boost").c_str(), PerCall<Bo, Rm>, grid, boost, rmath);
+}
+
+// ---- Quadrature --------------------------------------------------------------------------
+
+// An integrand from a plain function, counting its evaluations.
+struct Counted : ZRMath_920::IIntegrand {
+  double (*fn)(double);
+  long evals = 0;
+  explicit Counted(double (*f)(double)) : fn(f) {}
+  double Evaluate(double x) override {
+    ++evals;
+    return fn(x);
+  }
+};
+
+double NormalDensity(double x) {
+  return std::exp(-x * x / 2) * 0.3989422804014327;
+}
+double Lorentz(double x) {
+  return 1.0 / (1.0 + x * x);
+}
+double Oscillating(double x) {
+  return std::sin(20 * x) * std::exp(-x) + 1.0;
+}
+
+// One integral per iteration at tolerance 1e-6 on both sides; "evals" counts the integrand's
+// evaluations of one integral and "value" reports it (the two rules stop differently).
+void RegisterQuadrature() {
+  struct {
+    const char * args;
+    double (*fn)(double);
+    double a, b;
+  } const cases[] = {{"normal/-8:8", NormalDensity, -8.0, 8.0},
+                     {"lorentz/0:10", Lorentz, 0.0, 10.0},
+                     {"oscillating/0:3", Oscillating, 0.0, 3.0}};
+  for (const auto & c : cases) {
+    const auto fn = c.fn;
+    const double a = c.a, b = c.b;
+    benchmark::RegisterBenchmark(
+        (std::string("Quadrature/zr/") + c.args).c_str(), [fn, a, b](benchmark::State & state) {
+          Counted f(fn);
+          ZRMath_920::LobattoQuad q(&f);
+          q.SetBoundaryAdjustmentPivot((a + b) / 2);
+          double v = 0;
+          for (auto _ : state) benchmark::DoNotOptimize(v = q.Integrate(a, b));
+          state.counters["evals"] = static_cast<double>(f.evals) / state.iterations();
+          state.counters["value"] = v;
+        });
+    benchmark::RegisterBenchmark(
+        (std::string("Quadrature/boost/") + c.args).c_str(), [fn, a, b](benchmark::State & state) {
+          long evals = 0;
+          const auto g = [&](double x) {
+            ++evals;
+            return fn(x);
+          };
+          double v = 0;
+          for (auto _ : state)
+            benchmark::DoNotOptimize(
+                v = bm::quadrature::gauss_kronrod<double, 15>::integrate(g, a, b, 15, 1e-6));
+          state.counters["evals"] = static_cast<double>(evals) / state.iterations();
+          state.counters["value"] = v;
+        });
+  }
 }
 
 // Points: x in [-8, 8] for the normal and t, [0, 8] for F(5, 20) and [0, 20] for
@@ -130,6 +202,50 @@ bool RegisterAll() {
         [a, b](double x) { return pbeta(x, a, b, 1, 0); },
         [a, b](double x) { return bm::ibeta(a, b, x, Policy()); });
   }
+
+  // Discrete and non-central: counts are floored on every side (Boost's binomial cdf would
+  // interpolate between integers). Binomial n = 1000, p = 0.3 over k in [200, 400];
+  // hypergeometric population 1000, sample 300, successes 400 over [90, 150] (the product
+  // route); non-central chi-square df 4, lambda 10 on [0, 40]; t df 10, delta 2 on [-2, 8];
+  // F (5, 20), lambda 10 on [0, 8]. The non-central series run to 1e-12.
+  const bm::binomial_distribution<double, Policy> binom(1000.0, 0.3);
+  Register(
+      "BinomialCdf", "n:1000/p:0.3", Grid(200.0, 400.0),
+      [](double x) {
+        std::int32_t err = 0;
+        return ZRDistFun::CdfBin(x, 1000.0, 0.3, err);
+      },
+      [](double x) { return pbinom(std::floor(x), 1000.0, 0.3, 1, 0); },
+      [binom](double x) { return bm::cdf(binom, std::floor(x)); });
+  const bm::hypergeometric_distribution<double, Policy> hyper(400, 300, 1000);
+  Register(
+      "HypergeometricCdf", "N:1000/n:300/K:400", Grid(90.0, 150.0),
+      [](double x) {
+        int err = 0;
+        return ZRDistFun::CDFHyper(x, 1000.0, 300.0, 400.0, err);
+      },
+      [](double x) { return phyper(std::floor(x), 400.0, 600.0, 300.0, 1, 0); },
+      [hyper](double x) { return bm::cdf(hyper, static_cast<unsigned>(x)); });
+  const bm::non_central_chi_squared_distribution<double, Policy> ncchi(4.0, 10.0);
+  Register(
+      "NonCentralChiSquareCdf", "df:4/lambda:10", Grid(0.0, 40.0),
+      [](double x) { return ZRDistFun::NonCentralCdfChi(x, 4.0, 10.0); },
+      [](double x) { return pnchisq(x, 4.0, 10.0, 1, 0); },
+      [ncchi](double x) { return bm::cdf(ncchi, x); });
+  const bm::non_central_t_distribution<double, Policy> nct(10.0, 2.0);
+  Register(
+      "NonCentralTCdf", "df:10/delta:2", Grid(-2.0, 8.0),
+      [](double x) { return ZRDistFun::NonCentralCdfT(x, 10.0, 2.0, 1e-12); },
+      [](double x) { return pnt(x, 10.0, 2.0, 1, 0); },
+      [nct](double x) { return bm::cdf(nct, x); });
+  const bm::non_central_f_distribution<double, Policy> ncf(5.0, 20.0, 10.0);
+  Register(
+      "NonCentralFCdf", "df:5/20/lambda:10", Grid(0.0, 8.0),
+      [](double x) { return ZRDistFun::NonCentralCdfF(x, 5.0, 20.0, 10.0, 1e-12); },
+      [](double x) { return pnf(x, 5.0, 20.0, 10.0, 1, 0); },
+      [ncf](double x) { return bm::cdf(ncf, x); });
+
+  RegisterQuadrature();
   return true;
 }
 
