@@ -7,11 +7,13 @@
 #include <ctime>
 #include <iostream>
 
-#include "zrcommon920r/common/numconst.h"
-
 namespace ZRDisplay_920 {
 
 namespace {
+
+// The system-missing value, the lowest finite double, printed as "miss". Written out here
+// because the display sits below the library's shared constants (common/numconst.h).
+constexpr double kMissing = -1.7976931348623157e308;
 
 // The one output stream. A function-local static is initialised on first use, so a
 // display from another library's static initialiser still finds std::cout; the Init
@@ -62,7 +64,7 @@ void AppendUnsigned(std::string & out, unsigned long long value) {
 
 // Element text of a double in the packed forms: " miss" or " %g".
 void AppendElemD(std::string & out, double value) {
-  if (value == ZRCommon_920::kSysMisValue) {
+  if (value == kMissing) {
     out += " miss";
   } else {
     out += ' ';
@@ -193,7 +195,7 @@ void DisplayB(std::string name, bool value) {
 }
 
 void DisplayD(std::string name, double value) {
-  if (value == ZRCommon_920::kSysMisValue) {
+  if (value == kMissing) {
     name += " = miss";
   } else {
     name += " = ";
@@ -203,7 +205,7 @@ void DisplayD(std::string name, double value) {
 }
 
 void DisplayDF(std::string name, double value) {
-  if (value == ZRCommon_920::kSysMisValue) {
+  if (value == kMissing) {
     name += " = miss";
   } else {
     name += " = ";
@@ -271,7 +273,7 @@ void DisplayDV(std::string name, const std::vector<double> & values, bool full) 
   }
   WriteLine(SizeHeader(name, values.size()));
   for (double value : values) {
-    if (value == ZRCommon_920::kSysMisValue) {
+    if (value == kMissing) {
       WriteLine(" miss");
     } else {
       std::string line = "  = ";

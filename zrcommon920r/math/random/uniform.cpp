@@ -10,7 +10,6 @@
 #include <string>
 
 #include "zrcommon920r/display/display.h"
-#include "zrcommon920r/xml/core/objstream.h"
 
 namespace ZRMath_920 {
 
@@ -30,8 +29,6 @@ constexpr double kTwoToMinus32 = 2.3283064365386963e-10;
 
 const char kMagic[4] = {'Z', 'R', 'U', 'R'};
 constexpr int kBinarySize = 20;
-constexpr int kXmlElements = 5;
-const char * const kClassName = "ZRURandom";
 
 // One step of the twister's recurrence: the upper bit of a, the lower 31 of b, through A.
 inline std::uint32_t Twist(std::uint32_t m, std::uint32_t a, std::uint32_t b) {
@@ -44,11 +41,6 @@ inline std::uint32_t CongruentialStep(std::uint32_t state) {
   const std::uint64_t product = static_cast<std::uint64_t>(state) * kCongruentialMultiplier;
   const std::uint32_t next = static_cast<std::uint32_t>(product % kCongruentialModulus);
   return next == 0 ? 1u : next;
-}
-
-// Whether seed can be kept as an unsigned 32-bit seed: finite and in [0, 2^32).
-bool IsStorableSeed(double seed) {
-  return seed >= 0.0 && seed < 4294967296.0;
 }
 
 // The twister's mixing rounds of init_by_array over key (length words; none when 0).
@@ -236,32 +228,6 @@ int ZRURandom::ReadObject(std::fstream & in) {
   fbUsePortable = portable == 1;
   fbUseTwister = twister == 1;
   return kBinarySize;
-}
-
-int ZRURandom::WriteObjectXML(std::ostream & out, int nTabs) const {
-  if (!out.good()) return 0;
-  const ZRXML_920::XMLObj obj(kClassName, nTabs);
-  obj.StartObj(out);
-  obj.WriteSubElement(out, static_cast<double>(fSeed));
-  obj.WriteSubElement(out, fbUsePortable ? 1 : 0);
-  obj.WriteSubElement(out, fbUseTwister ? 1 : 0);
-  obj.EndObj(out);
-  return kXmlElements;
-}
-
-int ZRURandom::ReadObjectXML(std::istream & in) {
-  double seed = 0.0;
-  int portable = 0, twister = 0;
-  if (!(in.good() && ZRXML_920::ParseStartObj(in, kClassName) && ZRXML_920::ParseValue(in, seed) &&
-        ZRXML_920::ParseValue(in, portable) && ZRXML_920::ParseValue(in, twister) &&
-        ZRXML_920::ParseEndObj(in) && IsStorableSeed(seed))) {
-    std::cerr << "Failure reading ZRURandom!\n";
-    return 0;
-  }
-  fSeed = static_cast<std::uint32_t>(seed);
-  fbUsePortable = portable == 1;
-  fbUseTwister = twister == 1;
-  return kXmlElements;
 }
 
 void ZRURandom::Display() const {

@@ -127,7 +127,8 @@ class ZRURandom {
   // number in [0, 2^32). The seed is truncated. No engine is made, freed or re-seeded.
   int ReadObject(std::fstream & in);
   // Object stream form: an object "ZRURandom" at depth nTabs holding the seed (Double) and
-  // the two switches (Int 0 or 1). Returns 5; 0 on a stream that is not good.
+  // the two switches (Int 0 or 1). Returns 5; 0 on a stream that is not good. Defined with
+  // the object stream (xml/core/urandom_xml.cpp), so this tree needs nothing of it.
   int WriteObjectXML(std::ostream & out, int nTabs) const;
   // Reads that form and returns 5, with the same rules as ReadObject. On any failure,
   // object unchanged, prints "Failure reading ZRURandom!" and a line feed on std::cerr and
@@ -139,6 +140,8 @@ class ZRURandom {
   void Display() const;
 
  private:
+  // Whether seed can be kept as an unsigned 32-bit seed: finite and in [0, 2^32).
+  static bool IsStorableSeed(double seed) { return seed >= 0.0 && seed < 4294967296.0; }
   // The twister draw, making the engine from the seed when there is none.
   double TwisterDraw();
 
