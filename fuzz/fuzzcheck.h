@@ -1,10 +1,13 @@
 // What a fuzz target does when a property fails: it says which, shows the bytes involved and
-// aborts, which libFuzzer reports as a crash, saving the input that caused it.
+// aborts, which libFuzzer reports as a crash, saving the input that caused it; and the
+// capture of std::cerr the reader targets share.
 #ifndef ZRCOMMON920R_FUZZ_FUZZCHECK_H
 #define ZRCOMMON920R_FUZZ_FUZZCHECK_H
 
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
+#include <sstream>
 #include <string>
 
 namespace zrfuzz {
@@ -29,6 +32,21 @@ inline std::string Shown(const std::string & text) {
   std::fprintf(stderr, "\nproperty failed: %s\n", what.c_str());
   std::abort();
 }
+
+// std::cerr goes to a string while the object lives. Unlike the test harness's capture of
+// file descriptor 2, a sanitizer's report still reaches the terminal.
+class CerrToString {
+ public:
+  CerrToString() : fSaved(std::cerr.rdbuf(fText.rdbuf())) {}
+  ~CerrToString() { std::cerr.rdbuf(fSaved); }
+  CerrToString(const CerrToString &) = delete;
+  CerrToString & operator=(const CerrToString &) = delete;
+  std::string Text() const { return fText.str(); }
+
+ private:
+  std::ostringstream fText;
+  std::streambuf * fSaved;
+};
 
 }  // namespace zrfuzz
 

@@ -27,25 +27,10 @@ using zrtest::TestRecord;
 constexpr int kRecordElements = 13;
 constexpr std::size_t kLineLimit = 256;
 
-// std::cerr goes to a string while the object lives. Unlike the harness's capture of file
-// descriptor 2, a sanitizer's report still reaches the terminal.
-class CerrToString {
- public:
-  CerrToString() : fSaved(std::cerr.rdbuf(fText.rdbuf())) {}
-  ~CerrToString() { std::cerr.rdbuf(fSaved); }
-  CerrToString(const CerrToString &) = delete;
-  CerrToString & operator=(const CerrToString &) = delete;
-  std::string Text() const { return fText.str(); }
-
- private:
-  std::ostringstream fText;
-  std::streambuf * fSaved;
-};
-
 ReadOutcome Read(const std::string & text, TestRecord & record) {
   ReadOutcome outcome;
   std::istringstream in(text);
-  CerrToString err;
+  zrfuzz::CerrToString err;
   try {
     outcome.count = record.ReadObjectXML(in);
   } catch (ZRXML_920::IOException * e) {

@@ -22,20 +22,6 @@ using zrtest::ReadOutcome;
 
 constexpr int kElements = 5;
 
-// std::cerr goes to a string while the object lives.
-class CerrToString {
- public:
-  CerrToString() : fSaved(std::cerr.rdbuf(fText.rdbuf())) {}
-  ~CerrToString() { std::cerr.rdbuf(fSaved); }
-  CerrToString(const CerrToString &) = delete;
-  CerrToString & operator=(const CerrToString &) = delete;
-  std::string Text() const { return fText.str(); }
-
- private:
-  std::ostringstream fText;
-  std::streambuf * fSaved;
-};
-
 // The seed and switches, as Display prints them.
 std::string State(const ZRURandom & u) {
   std::ostringstream out;
@@ -49,7 +35,7 @@ std::string State(const ZRURandom & u) {
 ReadOutcome Read(const std::string & text, ZRURandom & u) {
   ReadOutcome outcome;
   std::istringstream in(text);
-  CerrToString err;
+  zrfuzz::CerrToString err;
   outcome.count = u.ReadObjectXML(in);
   outcome.err = err.Text();
   return outcome;
