@@ -23,6 +23,8 @@
 #include "zrcommon920r/math/matrix/symmatrix.h"
 #include "zrcommon920r/math/random/uniform.h"
 #include "zrcommon920r/math/random/variates.h"
+#include "zrcommon920r/math/stats/gains.h"
+#include "zrcommon920r/math/stats/iterreporter.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
 #include "zrcommon920r/math/stats/unistats.h"
 #include "zrcommon920r/math/stats/xprodpair.h"
