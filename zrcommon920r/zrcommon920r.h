@@ -23,6 +23,7 @@
 #include "zrcommon920r/math/matrix/symmatrix.h"
 #include "zrcommon920r/math/random/uniform.h"
 #include "zrcommon920r/math/random/variates.h"
+#include "zrcommon920r/math/stats/chartdata.h"
 #include "zrcommon920r/math/stats/gains.h"
 #include "zrcommon920r/math/stats/iterreporter.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
