@@ -10,6 +10,8 @@
 #include <sstream>
 #include <string>
 
+#include "zrcommon920r/display/display.h"
+
 namespace zrfuzz {
 
 // text with every byte outside printable ASCII, and the backslash, as \xHH.
@@ -31,6 +33,17 @@ inline std::string Shown(const std::string & text) {
 [[noreturn]] inline void Fail(const std::string & what) {
   std::fprintf(stderr, "\nproperty failed: %s\n", what.c_str());
   std::abort();
+}
+
+// What object.Display() prints, taken from the diagnostic stream.
+template <class T>
+std::string DisplayedText(const T & object) {
+  std::ostringstream out;
+  std::ostream * const saved = ZRDisplay_920::GetOutStream();
+  ZRDisplay_920::SetOutStream(out);
+  object.Display();
+  ZRDisplay_920::SetOutStream(*saved);
+  return out.str();
 }
 
 // std::cerr goes to a string while the object lives. Unlike the test harness's capture of

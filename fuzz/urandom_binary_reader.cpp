@@ -20,16 +20,6 @@ using zrfuzz::Fail;
 using zrfuzz::Shown;
 using ZRMath_920::ZRURandom;
 
-// The seed and switches, as Display prints them.
-std::string State(const ZRURandom & u) {
-  std::ostringstream out;
-  std::ostream * const saved = ZRDisplay_920::GetOutStream();
-  ZRDisplay_920::SetOutStream(out);
-  u.Display();
-  ZRDisplay_920::SetOutStream(*saved);
-  return out.str();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t size) {
@@ -39,10 +29,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t siz
   static_cast<std::ios &>(in).rdbuf(&buffer);
   in.clear();
   ZRURandom u(2718281828u, true, false);
-  const std::string before = State(u);
+  const std::string before = zrfuzz::DisplayedText(u);
   const int read = u.ReadObject(in);
   if (read == 0) {
-    if (State(u) != before) Fail("a failed read changed the object: " + Shown(State(u)));
+    if (zrfuzz::DisplayedText(u) != before)
+      Fail("a failed read changed the object: " + Shown(zrfuzz::DisplayedText(u)));
     return 0;
   }
   if (read != 20 || size < 20) Fail("read returned " + std::to_string(read));

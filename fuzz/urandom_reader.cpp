@@ -22,16 +22,6 @@ using zrtest::ReadOutcome;
 
 constexpr int kElements = 5;
 
-// The seed and switches, as Display prints them.
-std::string State(const ZRURandom & u) {
-  std::ostringstream out;
-  std::ostream * const saved = ZRDisplay_920::GetOutStream();
-  ZRDisplay_920::SetOutStream(out);
-  u.Display();
-  ZRDisplay_920::SetOutStream(*saved);
-  return out.str();
-}
-
 ReadOutcome Read(const std::string & text, ZRURandom & u) {
   ReadOutcome outcome;
   std::istringstream in(text);
@@ -46,7 +36,7 @@ ReadOutcome Read(const std::string & text, ZRURandom & u) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t size) {
   const std::string text(reinterpret_cast<const char *>(data), size);
   ZRURandom u(2718281828u, true, false);
-  const std::string before = State(u);
+  const std::string before = zrfuzz::DisplayedText(u);
   const ReadOutcome outcome = Read(text, u);
   if (zrtest::ReadWhole(outcome, kElements)) {
     for (int i = 0; i < 3; ++i) {
@@ -56,7 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t siz
     std::ostringstream out;
     if (u.WriteObjectXML(out, 1) != kElements) Fail("the object did not write 5 elements");
     ZRURandom back(1, false, false);
-    if (!zrtest::ReadWhole(Read(out.str(), back), kElements) || State(back) != State(u)) {
+    if (!zrtest::ReadWhole(Read(out.str(), back), kElements) ||
+        zrfuzz::DisplayedText(back) != zrfuzz::DisplayedText(u)) {
       Fail("the object's own text did not read back: \"" + Shown(out.str()) + "\"");
     }
     return 0;
@@ -65,6 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t siz
     Fail("neither a whole read nor a clean failure: returned " + std::to_string(outcome.count) +
          ", printing \"" + Shown(outcome.err) + "\"");
   }
-  if (State(u) != before) Fail("a failed read changed the object: " + Shown(State(u)));
+  if (zrfuzz::DisplayedText(u) != before)
+    Fail("a failed read changed the object: " + Shown(zrfuzz::DisplayedText(u)));
   return 0;
 }

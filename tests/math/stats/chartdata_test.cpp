@@ -15,6 +15,7 @@
 
 #include "support/alloccount.h"
 #include "support/capture.h"
+#include "support/markup.h"
 #include "zrcommon920r/common/numconst.h"
 
 namespace {
@@ -28,14 +29,8 @@ constexpr double kMiss = ZRCommon_920::kSysMisValue;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
 
-std::string Text(XMLElement * made) {
-  std::unique_ptr<XMLElement> e(made);
-  ZRXML_920::ExportFormat format;
-  format.SetFormat(false);
-  std::string out;
-  e->ToString(out, format);
-  return out;
-}
+// The markup of made without layout, "(null)" for a null pointer; made is deleted.
+constexpr auto & Text = zrtest::TakeFlatMarkup;
 
 template <class Chart>
 std::string Shown(const Chart & chart) {

@@ -3,6 +3,7 @@
 // xmllint against the PMML 4.3 schema: valid on the ordinary path and for random variable
 // lists, schema-invalid for each of the five forms the exporter keeps on purpose.
 #include "zrcommon920r/xml/export/pmml.h"
+#include "support/markup.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -33,14 +34,7 @@ constexpr double kMiss = -1.7976931348623157e308;
 const std::string kExt = "extender=\"zrcommon920r\"";
 
 // The element as one line, without layout.
-std::string Text(const XMLElement * element) {
-  if (element == nullptr) return "(null)";
-  std::string out;
-  ExportFormat format;
-  format.SetFormat(false);
-  element->ToString(out, format);
-  return out;
-}
+constexpr auto & Text = zrtest::FlatMarkup;
 
 struct Lint {
   int code;

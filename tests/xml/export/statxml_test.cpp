@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "support/locales.h"
+#include "support/markup.h"
 #include "support/xmllint.h"
 #include "zrcommon920r/common/value.h"
 
@@ -27,15 +28,7 @@ using Make = std::function<XMLElement *()>;
 const double kMiss = ZRCommon_920::Value::SYSMISVALUE;
 
 // The markup of made without layout, "(null)" for a null pointer; made is deleted.
-std::string Text(XMLElement * made) {
-  std::unique_ptr<XMLElement> e(made);
-  if (e == nullptr) return "(null)";
-  ExportFormat format;
-  format.SetFormat(false);
-  std::string out;
-  e->ToString(out, format);
-  return out;
-}
+constexpr auto & Text = zrtest::TakeFlatMarkup;
 
 // An element that counts the live instances, to see who deletes a handed element.
 class Tracked final : public XMLElement {

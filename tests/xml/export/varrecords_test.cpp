@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/capture.h"
+#include "support/markup.h"
 #include "zrcommon920r/common/value.h"
 
 namespace {
@@ -17,15 +18,8 @@ using namespace ZRXML_920;
 
 const double kMiss = ZRCommon_920::Value::SYSMISVALUE;
 
-std::string Text(XMLElement * made) {
-  std::unique_ptr<XMLElement> e(made);
-  if (e == nullptr) return "(null)";
-  ExportFormat format;
-  format.SetFormat(false);
-  std::string out;
-  e->ToString(out, format);
-  return out;
-}
+// The markup of made without layout, "(null)" for a null pointer; made is deleted.
+constexpr auto & Text = zrtest::TakeFlatMarkup;
 
 template <class Record>
 std::string Shown(const Record & record) {
