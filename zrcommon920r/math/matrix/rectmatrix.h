@@ -11,6 +11,7 @@ namespace ZRMath_920 {
 
 class ZRBitSet;
 class IZRSymMatrix;
+class ZRDiagMatrix;
 class ZRRectMatrix;
 class ZRSymMatrix;
 
@@ -362,6 +363,9 @@ class ZRRectMatrix : public IZRRectMatrix {
   // is invalid; false with sizes -1 when this cannot be sized. R1 or R2 may be this.
   bool ComputeR1TransSR2(const ZRRectMatrix & R1, int o1, const ZRRectMatrix & R2, int o2,
                          const ZRSymMatrix & S, int so, int sn);
+  // this = D * this: row i multiplied by d_i. False, unchanged, when this or D is invalid
+  // or D's order isn't the row count.
+  bool ComputeDiagR(const ZRDiagMatrix & D);
   // this += a * S. False, unchanged, unless this is square of S's order; true and
   // unchanged when a == 0.0. S is taken by non-const reference but not written.
   bool ComputeAXpY(double a, ZRSymMatrix & S);

@@ -12,6 +12,7 @@
 #include "zrcommon920r/math/bitset.h"
 #include "zrcommon920r/math/dist/mathfun.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
+#include "zrcommon920r/math/matrix/diagmatrix.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -48,6 +49,17 @@ bool Gram(const ZRRectMatrix & r, bool rows, ZRSymMatrix & g) {
 
 // ---------------------------------------------------------------------------------------
 // Products and traces with symmetric matrices
+
+bool ZRRectMatrix::ComputeDiagR(const ZRDiagMatrix & D) {
+  if (!IsValidMatrix() || !D.IsValidMatrix() || D.GetNRows() != fnRows) return false;
+  if (fnCols < 1) return true;
+  for (int i = 0; i < fnRows; ++i) {
+    const double f = D.GetElem(i);
+    double * row = Row(i);
+    for (int j = 0; j < fnCols; ++j) row[j] = f * row[j];
+  }
+  return true;
+}
 
 bool ZRRectMatrix::ComputeMatrixProduct(const IZRSymMatrix & S, IZRRectMatrix & C) const {
   if (!IsValidMatrix() || !S.IsValidMatrix() || S.GetNRows() != fnCols) return false;
