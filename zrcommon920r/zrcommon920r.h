@@ -6,6 +6,7 @@
 #include "zrcommon920r/common/dynlib.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/common/progress.h"
+#include "zrcommon920r/common/records.h"
 #include "zrcommon920r/common/status.h"
 #include "zrcommon920r/common/timeutil.h"
 #include "zrcommon920r/common/value.h"
