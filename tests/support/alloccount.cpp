@@ -9,6 +9,8 @@ namespace {
 
 // Constant-initialised, so it is usable by allocations made before main and on any thread.
 thread_local long tAllocations = 0;
+// Set while a FailArrayNew lives on this thread.
+thread_local bool tFailArrayNew = false;
 
 void * Allocate(std::size_t size) noexcept {
   ++tAllocations;
@@ -21,6 +23,15 @@ void * AllocateAligned(std::size_t size, std::align_val_t align) noexcept {
   // aligned_alloc wants a size that is a multiple of the alignment.
   const std::size_t rounded = (size + alignment - 1) / alignment * alignment;
   return std::aligned_alloc(alignment, rounded == 0 ? alignment : rounded);
+}
+
+// Array allocation, or null while a FailArrayNew lives.
+void * AllocateArray(std::size_t size) noexcept {
+  return tFailArrayNew ? nullptr : Allocate(size);
+}
+
+void * AllocateArrayAligned(std::size_t size, std::align_val_t align) noexcept {
+  return tFailArrayNew ? nullptr : AllocateAligned(size, align);
 }
 
 void * OrThrow(void * p) {
@@ -36,31 +47,39 @@ long AllocationsOnThisThread() {
   return tAllocations;
 }
 
+FailArrayNew::FailArrayNew() : fWasFailing(tFailArrayNew) {
+  tFailArrayNew = true;
+}
+
+FailArrayNew::~FailArrayNew() {
+  tFailArrayNew = fWasFailing;
+}
+
 }  // namespace zrtest
 
 void * operator new(std::size_t size) {
   return OrThrow(Allocate(size));
 }
 void * operator new[](std::size_t size) {
-  return OrThrow(Allocate(size));
+  return OrThrow(AllocateArray(size));
 }
 void * operator new(std::size_t size, const std::nothrow_t &) noexcept {
   return Allocate(size);
 }
 void * operator new[](std::size_t size, const std::nothrow_t &) noexcept {
-  return Allocate(size);
+  return AllocateArray(size);
 }
 void * operator new(std::size_t size, std::align_val_t align) {
   return OrThrow(AllocateAligned(size, align));
 }
 void * operator new[](std::size_t size, std::align_val_t align) {
-  return OrThrow(AllocateAligned(size, align));
+  return OrThrow(AllocateArrayAligned(size, align));
 }
 void * operator new(std::size_t size, std::align_val_t align, const std::nothrow_t &) noexcept {
   return AllocateAligned(size, align);
 }
 void * operator new[](std::size_t size, std::align_val_t align, const std::nothrow_t &) noexcept {
-  return AllocateAligned(size, align);
+  return AllocateArrayAligned(size, align);
 }
 
 void operator delete(void * p) noexcept {

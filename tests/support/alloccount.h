@@ -9,7 +9,8 @@
 // deletes. They allocate with malloc (aligned_alloc for the aligned forms) and free with
 // free, so the sanitizers still see every block. Each allocation adds one to a counter of
 // the calling thread; an AllocCounter reads that counter's rise since its construction.
-// Only operator new is seen: malloc called directly is not counted.
+// Only operator new is seen: malloc called directly is not counted. FailArrayNew, below,
+// makes operator new[] fail for a scope.
 #ifndef ZRCOMMON920R_TESTS_SUPPORT_ALLOCCOUNT_H
 #define ZRCOMMON920R_TESTS_SUPPORT_ALLOCCOUNT_H
 
@@ -30,6 +31,21 @@ class AllocCounter {
 
  private:
   long fStart;
+};
+
+// While one lives, operator new[] fails on this thread: the throwing forms throw
+// std::bad_alloc and the nothrow forms return null. That drives the allocation-failure paths
+// of classes that allocate arrays with new[]; containers allocate through operator new and
+// keep working, so GoogleTest's assertions stay usable. Scopes nest.
+class FailArrayNew {
+ public:
+  FailArrayNew();
+  ~FailArrayNew();
+  FailArrayNew(const FailArrayNew &) = delete;
+  FailArrayNew & operator=(const FailArrayNew &) = delete;
+
+ private:
+  bool fWasFailing;
 };
 
 }  // namespace zrtest
