@@ -22,6 +22,7 @@
 #include "zrcommon920r/math/matrix/eigen.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
+#include "zrcommon920r/math/matrix/sparsematrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 #include "zrcommon920r/math/random/uniform.h"
 #include "zrcommon920r/math/random/variates.h"

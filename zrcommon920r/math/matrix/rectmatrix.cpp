@@ -1,6 +1,7 @@
 // ZRRectMatrix, the dense row-major rectangular matrix, and ZRSparseVector.
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
+#include "zrcommon920r/math/matrix/sparsematrix.h"
 
 #include <algorithm>
 #include <climits>
@@ -690,6 +691,18 @@ double ZRRectMatrix::DotProductRowRow(int i, const IZRRectMatrix & B, int k) con
   }
   const double * row = Row(i);
   if (const ZRRectMatrix * bd = AsDense(B)) return Dot(row, bd->Row(k), fnCols);
+  if (const auto * bs = dynamic_cast<const ZRSparseRectMatrix *>(&B)) {
+    // The sparse row's stored pairs alone, in ascending column order.
+    const int * idx = nullptr;
+    const double * val = nullptr;
+    bs->GetRow(k, idx, val);
+    const unsigned width = static_cast<unsigned>(fnCols);
+    double sum = 0.0;
+    for (int m = 0; m < bs->GetNNZRowElements(); ++m) {
+      if (static_cast<unsigned>(idx[m]) < width) sum += row[idx[m]] * val[m];
+    }
+    return sum;
+  }
   double sum = 0.0;
   for (int j = 0; j < fnCols; ++j) sum += row[j] * B.GetElem(k, j);
   return sum;

@@ -63,6 +63,35 @@ class ZRSparseVector {
   // Prints the count, both lists and the validity flag on the diagnostic stream.
   void Display() const;
 
+  // --- Products into symmetric matrices (symmatrix_sparse.cpp). Element (a, b) of v v'
+  // is formed as (w * v[a]) * v[b], a the later entry, as ZRSymMatrix::UpdateXXSparse
+  // does. Entries of an invalid view that fall outside S are skipped.
+
+  // S is sized to GetMinVecSize() (0 for an empty view), cleared, and receives v v'.
+  void QuadraticOuterProduct(ZRSymMatrix & S) const;
+  // S += w v v'; nothing when the last index is outside S.
+  void QuadraticOuterProductIncr(ZRSymMatrix & S, double w) const;
+  // S += w v v' with every index shifted by start. False, S unchanged, when start is
+  // negative or a shifted index is outside S.
+  bool QuadraticOuterProductPartIncr(ZRSymMatrix & S, int start, double w) const;
+  // Adds w * value to element (row, index + start) of S (also (index + start, row)).
+  // False, S unchanged, when row or start is negative, or row or a shifted index is
+  // outside S.
+  bool IncrementRowPart(ZRSymMatrix & S, int row, int start, double w) const;
+
+  // Multinomial logit probabilities (sparsematrix_products.cpp). With this view as the
+  // predictors x and b holding K - 1 coefficient vectors of p elements, z[k] = x' b_k and
+  // the last category the reference with z = 0: probs[k] = exp(z[k]) / (1 + sum exp(z)),
+  // probs[K - 1] = 1 / (1 + sum exp(z)) = exp(logRef). Exponentials are taken after an
+  // integer shift near the largest z, each guarded at 709.0 and -708.39 (smaller ones give
+  // 0.0); the probabilities sum to 1 within (K + 2 |L| + 4) u, L the shifted log-sum
+  // (|L| <= about 709 + log K), tested against a long double softmax for |z| to 1e4.
+  // False, nothing written, when K or p is below 1, b is shorter than (K - 1) p or
+  // GetMinVecSize() exceeds p; probs grows to K when shorter. False also when a z is NaN or
+  // infinite: the K probabilities and logRef are then NaN.
+  bool ComputeProbabilities(const std::vector<double> & b, int K, int p,
+                            std::vector<double> & probs, double & logRef) const;
+
  private:
   // Number of entries usable without reading past either list.
   int UsableCount() const;
@@ -201,7 +230,8 @@ class ZRRectMatrix : public IZRRectMatrix {
   // Row i of this times column j of B. System-missing for a bad i or j, or when B has
   // fewer rows than this has columns; 0.0 when this has no columns.
   double DotProductRowCol(int i, const IZRRectMatrix & B, int j) const override;
-  // Row i of this times row k of B; system-missing for a bad index or different widths.
+  // Row i of this times row k of B; system-missing for a bad index or different widths. A
+  // sparse B is read by its stored pairs alone.
   double DotProductRowRow(int i, const IZRRectMatrix & B, int k) const override;
   // D becomes the listed columns (rows) of this, in list order, and the result is their
   // number. Only the last element of idx is checked against the extent (-1 when it is

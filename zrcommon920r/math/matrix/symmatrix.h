@@ -13,6 +13,7 @@
 namespace ZRMath_920 {
 
 class ZRSymMatrix;
+class ZRSparseRectMatrix;
 
 // Abstract symmetric matrix of doubles. Indices count from 0. Operations report failure
 // by their result (false, -1, 0.0 or the system-missing value as each says) and never
@@ -791,6 +792,20 @@ class ZRSymMatrix : public IZRSymMatrix {
   // Prints the packed buffer as triangular rows with no header or labels (DisplayDVTRS),
   // one stored row to a line.
   void DisplayS() const;
+
+  // ---- Updates by a sparse design (symmatrix_sparse.cpp) ------------------------------
+  // The trailing square block of this, of order q = R's width, gains R' S R (R n x q, S of
+  // order n). Every element (a, b) is sum over the stored elements of column a of R(r, a)
+  // (S R)(r, b), read through R.GetSparseMatrixColumns; tested to 2 (n + 2) u |R'||S||R|
+  // against ComputeRTransSR. False, unchanged, when R's rows aren't S's order, q exceeds
+  // this's order, R has no rows or no stored element, or memory runs out.
+  bool UpdateXXCornerBlock(const ZRSparseRectMatrix & R, const ZRSymMatrix & S);
+  // The same with diag(w) for S: the block gains sum over rows r of w[r] x_r x_r'. It walks
+  // R's rows, each element as UpdateXX forms it, so it equals UpdateXX over the dense rows
+  // to the bit. Allocates nothing. False, unchanged, also when w hasn't R's row count.
+  bool UpdateXXCornerBlock(const ZRSparseRectMatrix & R, const std::vector<double> & w);
+  // The sparse row's outer products write the packed store directly.
+  friend class ZRSparseVector;
 
  private:
   // The accumulators walk the packed store directly in their per-case loops.
