@@ -36,8 +36,9 @@ test: check-tools
 
 demo: check-tools
 	$(CMAKE_CONFIGURE) -B $(BUILDDIR)/release -DCMAKE_BUILD_TYPE=Release -DZR_BUILD_TESTS=OFF
-	cmake --build $(BUILDDIR)/release -j $(JOBS) --target zr_demo
+	cmake --build $(BUILDDIR)/release -j $(JOBS) --target zr_demo zr_charts
 	$(BUILDDIR)/release/examples/zr_demo
+	$(BUILDDIR)/release/examples/zr_charts
 
 sanitize: check-tools
 	$(call need-packages,$(TEST_PACKAGES))

@@ -30,6 +30,7 @@
 #include <thread>
 #include <vector>
 
+#include "fueldata.h"
 #include "zrcommon920r/zrcommon920r.h"
 
 namespace {
@@ -45,6 +46,8 @@ namespace xml = ZRXML_920;
 namespace pmml = ZRCommon_920;
 using xml::IZRVariable;
 using xml::XMLElement;
+using zrexample::ParseNumber;
+using zrexample::ReadCsv;
 
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 
@@ -142,39 +145,6 @@ struct Model {
   bool perfect = false;
   std::vector<Coefficient> coefficients;  // the intercept first, then the columns
 };
-
-// The number a field holds; false for an empty field or one that is not wholly a number.
-bool ParseNumber(const std::string & text, double & value) {
-  if (text.empty()) return false;
-  char * end = nullptr;
-  value = std::strtod(text.c_str(), &end);
-  return end == text.c_str() + text.size();
-}
-
-// The records of a comma-separated file with a header line of names, each padded with
-// empty fields to the header's length. False when the file can't be read, has fewer than
-// three fields or no record, or when cancel says stop (polled before each record).
-bool ReadCsv(const std::string & path, std::vector<std::string> & names,
-             std::vector<std::vector<std::string>> & records, ZRMath_920::ZRCancelInfo & cancel) {
-  std::ifstream in(path);
-  std::string line, field;
-  if (!in || !std::getline(in, line)) return false;
-  std::stringstream header(line);
-  while (std::getline(header, field, ',')) names.push_back(field);
-  if (names.size() < 3) return false;
-  while (std::getline(in, line)) {
-    if (cancel.IsCancel()) return false;
-    if (line.empty()) continue;
-    std::stringstream values(line);
-    std::vector<std::string> record;
-    while (record.size() < names.size() && std::getline(values, field, ',')) {
-      record.push_back(field);
-    }
-    record.resize(names.size());
-    records.push_back(std::move(record));
-  }
-  return !records.empty();
-}
 
 // The fields of the file: every column but the last two is a predictor, continuous when
 // each of its values is a number or empty and a text categorical one (level 3, storage
