@@ -18,6 +18,7 @@
 #include "zrcommon920r/math/dist/power.h"
 #include "zrcommon920r/math/dist/quadrature.h"
 #include "zrcommon920r/math/hashkey.h"
+#include "zrcommon920r/math/matrix/blockmatrix.h"
 #include "zrcommon920r/math/matrix/diagmatrix.h"
 #include "zrcommon920r/math/matrix/eigen.h"
 #include "zrcommon920r/math/matrix/kernels.h"
