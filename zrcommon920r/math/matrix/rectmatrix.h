@@ -14,6 +14,7 @@ class IZRSymMatrix;
 class ZRDiagMatrix;
 class ZRRectMatrix;
 class ZRSymMatrix;
+class ZRSymBlockDiagMatrix;
 
 // A view of one sparse row: ascending column indices and their values. The two lists
 // belong to the caller, who keeps them alive and unchanged while the view is used.
@@ -490,6 +491,17 @@ class ZRRectMatrix : public IZRRectMatrix {
   // tested against LAPACK's dgelsd to cond^2 eps. -1, x unchanged, when this is empty, tol
   // isn't above 0, b has fewer elements than this has rows, or memory runs out.
   int EstimateLinearGI(const std::vector<double> & b, std::vector<double> & x, double tol) const;
+
+  // ---- Block-diagonal products --------------------------------------------------------
+  // This becomes B A, nb x m for B of order nb, A = S(r + off .. r + off + nb - 1,
+  // c .. c + m - 1): rows off .. off + nb - 1 of the rectangle of n rows of S's stored
+  // triangle with first element (r, c). A diagonal block scales S's rows; a dense block's
+  // elements are scalar products of its column with S's column over its rows (tested to
+  // (nb + 2) u of the sum of |terms|). False, this unchanged, when any of r, c, n, m is
+  // negative, r + n passes S's order, c + m passes r + 1, nb + off passes n (off >= 0) or
+  // B is invalid; false with this invalid when it cannot be sized.
+  bool ComputeBlockDiagSR(const ZRSymBlockDiagMatrix & B, int off, const ZRSymMatrix & S, int r,
+                          int c, int n, int m);
 
  private:
   // Resizes v to nRows * nCols when both are positive; a count above INT_MAX or a failed

@@ -14,6 +14,7 @@ namespace ZRMath_920 {
 
 class ZRSymMatrix;
 class ZRSparseRectMatrix;
+class ZRSymBlockDiagMatrix;
 
 // Abstract symmetric matrix of doubles. Indices count from 0. Operations report failure
 // by their result (false, -1, 0.0 or the system-missing value as each says) and never
@@ -687,6 +688,98 @@ class ZRSymMatrix : public IZRSymMatrix {
   // False, v unchanged, when the walk passes v's end or n < 1.
   bool ComputeVecIIncPartByL(std::vector<double> & v, int start, int n) const;
   // END PARTS OF THE TRIANGLE
+
+  // ---- Bordered blocks ----------------------------------------------------------------
+  // BEGIN BORDERED BLOCKS
+  // Parts of a partitioned matrix combined with a block-diagonal B of order nb, whose
+  // stored blocks are read either as the symmetric B or as its Cholesky factor L (a dense
+  // block as lower triangular, a diagonal block as diagonal). The bordered matrix M of
+  // order 2 n + 1 + r has the leading square M(X, X), X = rows 0 .. r - 1, then
+  // U = r .. r + n - 1, W = r + n .. r + 2 n - 1 and the last row y, the border. A
+  // rectangle (r, c, m x k) is M(r .. r + m - 1, c .. c + k - 1) and must lie in the stored
+  // triangle (c + k <= r + 1). Sums run in index order (tested to (nb + 2) u of the sum of
+  // |terms| per product against long double). On false nothing is changed.
+  //
+  // M = D' M D, D = diag(I_r, L, I_n, 1), in this order: y_U = y_U L (B's
+  // ComputeVecPartByL), M(W, U) = M(W, U) L (SubSymSBlockL), M(U, X) = L' M(U, X)
+  // (SubSymRectTBlockL), M(U, U) = L' M(U, U) L (SubSymBlockLTSBlockL). False, unchanged,
+  // unless r >= 0, n >= 1, fnRows == 2 n + 1 + r and B (valid) has order n; false, with the
+  // first three steps done, when the last one runs out of memory.
+  bool AugmentUsingBlockDiagL(int r, int n, const ZRSymBlockDiagMatrix & B);
+  // The stretch M(i, c .. c + nb - 1) = M(i, c ..) L. False unless c >= 0, c + nb <= i + 1
+  // and i < fnRows.
+  bool SubSymVectBlockL(int i, int c, const ZRSymBlockDiagMatrix & B);
+  // The rectangle (r, c, m x nb) = itself times L, row by row. False unless all are
+  // non-negative, r + m <= fnRows and c + nb <= r + 1.
+  bool SubSymSBlockL(int r, int c, int m, const ZRSymBlockDiagMatrix & B);
+  // The rectangle (r, c, nb x m) = L' itself, column by column. False unless all are
+  // non-negative, r + nb <= fnRows and c + m <= r + 1.
+  bool SubSymRectTBlockL(int r, int c, int m, const ZRSymBlockDiagMatrix & B);
+  // The square A of order nb at diagonal position start = L' A L. False unless
+  // 0 <= start and start + nb <= fnRows.
+  bool SubSymBlockLTSBlockL(int start, const ZRSymBlockDiagMatrix & B);
+
+  // out = R v and out = R' v for the rectangle R = (r, c, m x n); v needs n (m) elements
+  // and out becomes m (n) elements. False unless all four numbers are non-negative,
+  // r + m <= fnRows, c + n <= r + 1 and v is long enough. out may be v.
+  bool SubSymRectV(int m, int n, int r, int c, const std::vector<double> & v,
+                   std::vector<double> & out) const;
+  bool SubSymRectTV(int m, int n, int r, int c, const std::vector<double> & v,
+                    std::vector<double> & out) const;
+  // out = A v for the square A of order n at diagonal position r; v needs n elements, out
+  // becomes n. False unless n, r >= 0 and r + n <= fnRows. out may be v.
+  bool SubSymSV(int n, int r, const std::vector<double> & v, std::vector<double> & out) const;
+
+  // out = v' B w for v = M(i, c .. c + nb - 1) and w = M(j, c .. c + nb - 1), stored
+  // stretches (c + nb <= min(i, j) + 1); with a vector w of at least nb elements; or for
+  // the columns v = M(r .. r + nb - 1, i), w = M(r .. r + nb - 1, j), r >= max(i, j).
+  // False, out 0.0, for bounds outside these or an invalid B.
+  bool ComputeVBW(int i, int j, int c, const ZRSymBlockDiagMatrix & B, double & out) const;
+  bool ComputeVBW(int i, int c, const std::vector<double> & w, const ZRSymBlockDiagMatrix & B,
+                  double & out) const;
+  bool ComputeVBW(const ZRSymBlockDiagMatrix & B, int r, int i, int j, double & out) const;
+  // With R = S's rectangle (r, c, nb x m): this becomes R' B R, of order m (S may be this);
+  // or, in the second form with R this matrix's own, the square of order m at diagonal
+  // position t -= R' B R (the Schur complement M(X, X) - M(U, X)' B M(U, X)). False unless
+  // the rectangle lies in the stored triangle, t >= 0 and t + m <= fnRows; false when
+  // this cannot be sized.
+  bool ComputeSSubBSSub(const ZRSymMatrix & S, int r, int c, int m, const ZRSymBlockDiagMatrix & B);
+  bool ComputeSSubBSSub(int r, int c, int m, const ZRSymBlockDiagMatrix & B, int t);
+  // this becomes R' B R for R of nb rows (order R's columns). False unless R is valid
+  // with nb rows; false when this cannot be sized.
+  bool ComputeRTransBlockDiagR(const ZRRectMatrix & R, const ZRSymBlockDiagMatrix & B);
+  // this becomes R' A R, A the square of S of order R's rows at diagonal position start.
+  // False unless 0 <= start and start + R's rows <= S's order; S may be this.
+  bool ComputeRTransSymR(const ZRRectMatrix & R, const ZRSymMatrix & S, int start);
+  // this becomes R B S B R' for R m x nb and S of order nb: the covariance of R B x when S
+  // is that of x. False unless R's width and S's order are nb; S may be this.
+  bool ComputeRDiagSRDiagTrans(const ZRRectMatrix & R, const ZRSymBlockDiagMatrix & B,
+                               const ZRSymMatrix & S);
+  // this becomes R B R' for R m x nb, or for the columns c .. c + nb - 1 of R only. False
+  // unless c >= 0 and c + nb <= R's width.
+  bool ComputeRSRTrans2(const ZRRectMatrix & R, const ZRSymBlockDiagMatrix & B);
+  bool ComputeRSRTrans2(const ZRRectMatrix & R, int c, const ZRSymBlockDiagMatrix & B);
+
+  // out becomes the bordered matrix (A, a; a', y) of order n + 1: A the square of order n
+  // at diagonal position start, a = M(last, start .. start + n - 1), y the last diagonal
+  // element. False, out unchanged, unless 0 <= start, n >= 0, start + n < fnRows.
+  bool ExtractBlockAndLastRow(int start, int n, ZRSymMatrix & out) const;
+  // out becomes the m x n rectangle (r, c, m x n) of the stored triangle. False, out
+  // unchanged, unless all are non-negative, r + m <= fnRows and c + n <= r + 1.
+  bool ExtractBlockInLowTriangular(int r, int c, int m, int n, ZRRectMatrix & out) const;
+  // out += the square of order n at diagonal position start; out isn't cleared. False
+  // when start is negative, start + n passes fnRows, or out's order isn't n.
+  bool ExtractDiagBlock(int start, int n, ZRSymMatrix & out) const;
+  // v becomes M(last, start .. start + n - 1). False, v unchanged, when start is
+  // negative, n is below 1 or start + n passes fnRows.
+  bool ExtractPartOfLastRow(int start, int n, std::vector<double> & v) const;
+  // v becomes M(r .. r + n - 1, j) of the symmetric matrix (reflected above the
+  // diagonal). False, v unchanged, unless j is a row, r, n >= 0 and r + n <= fnRows.
+  bool GetPCol(int j, int r, int n, std::vector<double> & v) const;
+  // The block-diagonal class's helpers and ComputeBlockDiagSR walk packed stores directly.
+  friend class ZRSymBlockDiagMatrix;
+  friend class ZRRectMatrix;
+  // END BORDERED BLOCKS
 
   // ---- Expansion ----------------------------------------------------------------------
   // out becomes set.Size() square and zero, then rows and columns 0, 1, ... of this go to
