@@ -14,11 +14,13 @@
 #include "support/capture.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/matrix/diagmatrix.h"
 
 namespace {
 
 using ZRMath_920::IZRSymMatrix;
 using ZRMath_920::ZRBitSet;
+using ZRMath_920::ZRDiagMatrix;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymBlockDiagMatrix;
 using ZRMath_920::ZRSymBlockMatrix;
@@ -202,6 +204,36 @@ TEST(ZRSymBlockDiagMatrixStructure, AddReplaceFlattenAndCompare) {
   copy.ClearAll();
   EXPECT_EQ(copy.GetNRows(), 0);
   EXPECT_EQ(copy.GetBlockStartIndex(0), -1);
+}
+
+// The diagonal class as a member: taken as a diagonal block by the list constructor,
+// AddBlock and ReplaceBlock, added to the diagonal by ComputeAXpY; and the diagonal
+// class's inverse written into a block-diagonal out of its size.
+TEST(ZRSymBlockDiagMatrixStructure, DiagonalClassMembers) {
+  ZRDiagMatrix d(std::vector<double>{2.0, 4.0});
+  ZRSymMatrix s = zrtest::RandomSpd(2, 5);
+  ZRSymBlockDiagMatrix g({&d, &s});
+  ASSERT_EQ(g.GetNRows(), 4);
+  EXPECT_TRUE(g.GetIsBlockDiagonal(0));
+  EXPECT_FALSE(g.GetIsBlockDiagonal(1));
+  EXPECT_EQ(g.GetElem(1, 1), 4.0);
+  EXPECT_EQ(g.GetElem(0, 1), 0.0);
+  EXPECT_EQ(g.AddBlock(ZRDiagMatrix(std::vector<double>{7.0})), 2);
+  EXPECT_TRUE(g.GetIsBlockDiagonal(2));
+  EXPECT_FALSE(g.ReplaceBlock(1, d));  // a dense block keeps its kind
+  EXPECT_TRUE(g.ReplaceBlock(0, ZRDiagMatrix(std::vector<double>{3.0, 5.0})));
+  const ZRSymMatrix before = Dense(g);
+  ZRDiagMatrix x(std::vector<double>{1.0, 2.0, 3.0, 4.0, 5.0});
+  ASSERT_TRUE(g.ComputeAXpY(0.5, x));
+  for (int i = 0; i < 5; ++i)
+    for (int j = 0; j <= i; ++j)
+      EXPECT_EQ(g.GetElem(i, j), before.GetElem(i, j) + (i == j ? 0.5 * (i + 1) : 0.0));
+  EXPECT_FALSE(g.ComputeAXpY(1.0, ZRDiagMatrix(std::vector<double>{1.0})));
+  ZRSymBlockDiagMatrix out;
+  ASSERT_TRUE(g.CopyStructure(out));
+  EXPECT_EQ(x.CholInverse(std::vector<double>(5, 1.0), 0.0, out), 5);
+  for (int i = 0; i < 5; ++i) EXPECT_EQ(out.GetElem(i, i), 1.0 / (i + 1));
+  EXPECT_EQ(out.GetElem(4, 3), 0.0);
 }
 
 // Each row and vector operation equals the dense one on the filled matrix: exactly where
