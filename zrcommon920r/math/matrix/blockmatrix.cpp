@@ -371,18 +371,6 @@ inline Index Size(const std::vector<double> & v) {
   return static_cast<Index>(v.size());
 }
 
-// Runs f; a failed allocation gives fail instead of an exception.
-template <class R, class F>
-R Guard(R fail, F && f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc &) {
-    return fail;
-  } catch (const std::length_error &) {
-    return fail;
-  }
-}
-
 // Row-major n x p scratch matrices for the products with full operands.
 struct Full {
   int rows = 0, cols = 0;
@@ -511,7 +499,7 @@ void ZRSymBlockDiagMatrix::GetDiagonal(std::vector<double> & d) const {
 
 bool ZRSymBlockDiagMatrix::GetRow(int i, std::vector<double> & v) const {
   if (i < 0 || i >= fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> row(static_cast<std::size_t>(fnRows), 0.0);
     const int b = fvRowBlock[i], s = fvStartIndices[b];
     for (int c = 0; c < fvBlockSizes[b]; ++c) row[s + c] = BlockElem(b, i - s, c);
@@ -693,7 +681,7 @@ void ZRSymBlockDiagMatrix::LTLTransL() {
 int ZRSymBlockDiagMatrix::LTSolve(const std::vector<double> & b, double tol,
                                   std::vector<double> & x) {
   if (!(tol > 0.0) || fnRows < 0 || Size(b) < fnRows) return -1;
-  return Guard(-1, [&] {
+  return NoThrow(-1, [&] {
     const std::vector<double> rhs(b.begin(), b.begin() + fnRows);
     std::vector<double> result(static_cast<std::size_t>(fnRows), 0.0), slice, part;
     int redundant = 0;
@@ -941,7 +929,7 @@ double ZRSymBlockDiagMatrix::TraceOfProductOfThree(const IZRSymMatrix & S,
 bool ZRSymBlockDiagMatrix::ComputeSV(int n, const std::vector<double> & v,
                                      std::vector<double> & out) const {
   if (n < 0 || n > fnRows || Size(v) < n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> y(static_cast<std::size_t>(n), 0.0);
     for (int i = 0; i < n; ++i) {
       const int b = fvRowBlock[i], s = fvStartIndices[b];
@@ -964,7 +952,7 @@ bool ZRSymBlockDiagMatrix::ComputeSV(const std::vector<double> & v,
 bool ZRSymBlockDiagMatrix::ApplyFactor(const std::vector<double> & v, std::vector<double> & out,
                                        bool transposed) const {
   if (fnRows < 0 || Size(v) != fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> y(v), slice, part;
     for (int b = 0; b < fnBlocks; ++b) {
       const int s = fvStartIndices[b], m = fvBlockSizes[b];
@@ -991,7 +979,7 @@ bool ZRSymBlockDiagMatrix::DenseFromSparse(const std::vector<int> & idx,
   if (fnRows < 0 || idx.size() != val.size()) return false;
   for (int k : idx)
     if (k < 0 || k >= fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     v.assign(static_cast<std::size_t>(fnRows), 0.0);
     for (std::size_t t = 0; t < idx.size(); ++t) v[idx[t]] += val[t];
     return true;
@@ -1060,13 +1048,13 @@ double ZRSymBlockDiagMatrix::ComputeVSV(const IZRRectMatrix & R, int row) const 
   if (R.GetMatrixType() == IZRRectMatrix::kSparseRectMatrix) return kSysMisValue;
   if (!R.IsValidMatrix() || R.GetNCols() != fnRows || row < 0 || row >= R.GetNRows()) return 0.0;
   std::vector<double> r;
-  if (!Guard(false, [&] { return R.GetRow(row, r); })) return 0.0;
+  if (!NoThrow(false, [&] { return R.GetRow(row, r); })) return 0.0;
   return ComputeVSW(r, r);
 }
 
 double ZRSymBlockDiagMatrix::ComputeVSW(const double * v, int vs, const double * w, int ws) const {
   if (fnRows < 1 || v == nullptr || w == nullptr) return 0.0;
-  return Guard(0.0, [&] {
+  return NoThrow(0.0, [&] {
     std::vector<double> x(static_cast<std::size_t>(fnRows)), y(x.size());
     for (int k = 0; k < fnRows; ++k) {
       x[k] = Walk(v, fnRows, vs, k);
@@ -1079,7 +1067,7 @@ double ZRSymBlockDiagMatrix::ComputeVSW(const double * v, int vs, const double *
 double ZRSymBlockDiagMatrix::ComputeVSWParts(const double * v, int nv, const double * w,
                                              int nw) const {
   if (nv < 0 || nw < 0 || nv > fnRows || nw > fnRows || v == nullptr || w == nullptr) return 0.0;
-  return Guard(0.0, [&] {
+  return NoThrow(0.0, [&] {
     std::vector<double> x(static_cast<std::size_t>(fnRows), 0.0), y(x.size(), 0.0);
     std::copy(v, v + nv, x.begin());
     std::copy(w, w + nw, y.begin());
@@ -1144,7 +1132,7 @@ double ZRSymBlockDiagMatrix::ComputeRowDotProductS(int i, const IZRSymMatrix & M
 
 bool ZRSymBlockDiagMatrix::ComputeGMG(const std::vector<double> & M, ZRSymMatrix & out) const {
   if (fnRows < 0 || Size(M) != static_cast<Index>(fnRows) * (fnRows + 1) / 2) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const int n = fnRows;
     Full m(n, n);
     for (int i = 0, k = 0; i < n; ++i)
@@ -1156,7 +1144,7 @@ bool ZRSymBlockDiagMatrix::ComputeGMG(const std::vector<double> & M, ZRSymMatrix
 bool ZRSymBlockDiagMatrix::ComputeGMGNG(const IZRSymMatrix & M, const IZRSymMatrix & N,
                                         IZRSymMatrix & out, std::vector<double> & work) const {
   if (fnRows < 0 || !OfOrder(M, fnRows) || !OfOrder(N, fnRows)) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Full gmg = SandwichG(*this, FromSym(M));
     const Full result = RightG(*this, Multiply(gmg, FromSym(N)));
     work = result.a;
@@ -1166,12 +1154,12 @@ bool ZRSymBlockDiagMatrix::ComputeGMGNG(const IZRSymMatrix & M, const IZRSymMatr
 
 bool ZRSymBlockDiagMatrix::ComputeGSG(const IZRSymMatrix & S, IZRSymMatrix & out) const {
   if (fnRows < 0 || !OfOrder(S, fnRows)) return false;
-  return Guard(false, [&] { return StoreSym(SandwichG(*this, FromSym(S)), out); });
+  return NoThrow(false, [&] { return StoreSym(SandwichG(*this, FromSym(S)), out); });
 }
 
 bool ZRSymBlockDiagMatrix::ComputeLSLTrans(const IZRSymMatrix & L, IZRSymMatrix & out) const {
   if (fnRows < 0 || !OfOrder(L, fnRows)) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full l = FromSym(L);
     for (int i = 0; i < fnRows; ++i)
       for (int j = i + 1; j < fnRows; ++j) l(i, j) = 0.0;
@@ -1185,7 +1173,7 @@ bool ZRSymBlockDiagMatrix::ComputeLTransSL(const IZRSymMatrix & L, IZRSymMatrix 
   if (k < 1 || !L.IsValidMatrix() || fnRows < 0 || static_cast<std::int64_t>(k) * m != fnRows ||
       out.GetType() != kDenseSymMatrix)
     return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full b(fnRows, fnRows);
     for (int q = 0; q < k; ++q)
       for (int i = 0; i < m; ++i)
@@ -1196,7 +1184,7 @@ bool ZRSymBlockDiagMatrix::ComputeLTransSL(const IZRSymMatrix & L, IZRSymMatrix 
 
 bool ZRSymBlockDiagMatrix::ComputeRS(const IZRRectMatrix & R, IZRRectMatrix & out) const {
   if (fnRows < 0 || !R.IsValidMatrix() || R.GetNCols() != fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full r(0, 0);
     return FromRect(R, r) && StoreRect(RightG(*this, r), out);
   });
@@ -1204,7 +1192,7 @@ bool ZRSymBlockDiagMatrix::ComputeRS(const IZRRectMatrix & R, IZRRectMatrix & ou
 
 bool ZRSymBlockDiagMatrix::ComputeRSRTrans(const IZRRectMatrix & R, IZRSymMatrix & out) const {
   if (fnRows < 0 || !R.IsValidMatrix() || R.GetNCols() != fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full r(0, 0);
     return FromRect(R, r) && StoreSym(Multiply(r, LeftG(*this, Transpose(r))), out);
   });
@@ -1212,7 +1200,7 @@ bool ZRSymBlockDiagMatrix::ComputeRSRTrans(const IZRRectMatrix & R, IZRSymMatrix
 
 bool ZRSymBlockDiagMatrix::ComputeRTransS(const IZRRectMatrix & R, IZRRectMatrix & out) const {
   if (fnRows < 0 || !R.IsValidMatrix() || R.GetNRows() != fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full r(0, 0);
     return FromRect(R, r) && StoreRect(Transpose(LeftG(*this, r)), out);
   });
@@ -1220,7 +1208,7 @@ bool ZRSymBlockDiagMatrix::ComputeRTransS(const IZRRectMatrix & R, IZRRectMatrix
 
 bool ZRSymBlockDiagMatrix::ComputeRTransSR(const IZRRectMatrix & R, IZRSymMatrix & out) const {
   if (fnRows < 0 || !R.IsValidMatrix() || R.GetNRows() != fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     Full r(0, 0);
     return FromRect(R, r) && StoreSym(Multiply(Transpose(r), LeftG(*this, r)), out);
   });
@@ -1229,7 +1217,7 @@ bool ZRSymBlockDiagMatrix::ComputeRTransSR(const IZRRectMatrix & R, IZRSymMatrix
 bool ZRSymBlockDiagMatrix::ComputeRTransSV(const IZRRectMatrix & R, const std::vector<double> & v,
                                            std::vector<double> & out) const {
   if (fnRows < 0 || !R.IsValidMatrix() || R.GetNRows() != fnRows || Size(v) < fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> gv;
     Full r(0, 0);
     if (!ComputeSV(v, gv) || !FromRect(R, r)) return false;
@@ -1246,7 +1234,7 @@ bool ZRSymBlockDiagMatrix::ComputeRTransSV(const IZRRectMatrix & R, const std::v
 
 bool ZRSymBlockDiagMatrix::ComputeSS(const IZRSymMatrix & S, IZRRectMatrix & out) const {
   if (fnRows < 0 || !OfOrder(S, fnRows)) return false;
-  return Guard(false, [&] { return StoreRect(LeftG(*this, FromSym(S)), out); });
+  return NoThrow(false, [&] { return StoreRect(LeftG(*this, FromSym(S)), out); });
 }
 
 void ZRSymBlockDiagMatrix::ComputeSTransS(IZRSymMatrix & out) const {
@@ -1273,7 +1261,7 @@ void ZRSymBlockDiagMatrix::ComputeSTransS(IZRSymMatrix & out) const {
 
 void ZRSymBlockDiagMatrix::ExtractFirstNRows(IZRSymMatrix & out) const {
   if (out.GetType() != kDenseSymMatrix || fnRows < 0) return;
-  Guard(false, [&] {
+  NoThrow(false, [&] {
     const int n = std::max(fnRows - 1, 0);
     Full x(n, n);
     for (int i = 0; i < n; ++i)
@@ -1287,7 +1275,7 @@ bool ZRSymBlockDiagMatrix::ExtractSubmatrix(const std::vector<int> & idx,
   if (out.GetType() != kDenseSymMatrix || fnRows < 0) return false;
   for (int k : idx)
     if (k < 0 || k >= fnRows) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const int n = static_cast<int>(idx.size());
     Full x(n, n);
     for (int i = 0; i < n; ++i)

@@ -27,22 +27,11 @@ namespace {
 using linpack_detail::NormaliseDet;
 using matrix_detail::AssignNoThrow;
 using matrix_detail::CopyNoThrow;
+using matrix_detail::NoThrow;
 using ZRCommon_920::kSysMisValue;
 
 // Offsets and walks in 64 bits, where none can overflow for int arguments.
 using Index = std::int64_t;
-
-// Runs f; a failed allocation gives fail instead of an exception.
-template <class R, class F>
-R Guard(R fail, F && f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc &) {
-    return fail;
-  } catch (const std::length_error &) {
-    return fail;
-  }
-}
 
 inline Index RowStart(Index i) {
   return i * (i + 1) / 2;
@@ -469,7 +458,7 @@ int ZRDiagMatrix::LTSolve(const std::vector<double> & b, double tol, std::vector
   // Intended: a negative element refuses the whole solve.
   for (double d : fvDiag)
     if (d < 0.0) return -1;
-  return Guard(-1, [&] {
+  return NoThrow(-1, [&] {
     std::vector<double> y(fvDiag.size());
     int redundant = 0;
     for (std::size_t i = 0; i < y.size(); ++i) {
@@ -489,7 +478,7 @@ int ZRDiagMatrix::LTSolve(const std::vector<double> & b, double tol, std::vector
 int ZRDiagMatrix::CholInverse(const std::vector<double> &, double tol, IZRSymMatrix & out,
                               ZRBitSet & set) const {
   if (!IsValidMatrix()) return -1;
-  return Guard(-1, [&] {
+  return NoThrow(-1, [&] {
     const std::vector<double> d = fvDiag;  // read first: out may be this
     if (set.Size() < fnRows) set.Resize(fnRows, false);
     return InvertAbove(d, tol, out, &set);
@@ -498,7 +487,7 @@ int ZRDiagMatrix::CholInverse(const std::vector<double> &, double tol, IZRSymMat
 
 int ZRDiagMatrix::CholInverse(const std::vector<double> &, double tol, IZRSymMatrix & out) const {
   if (!IsValidMatrix()) return -1;
-  return Guard(-1, [&] {
+  return NoThrow(-1, [&] {
     const std::vector<double> d = fvDiag;
     return InvertAbove(d, tol, out, nullptr);
   });
@@ -575,7 +564,7 @@ bool ZRDiagMatrix::IncrVecByRow(int i, std::vector<double> & v, int start, int c
 bool ZRDiagMatrix::ComputeSV(int n, const std::vector<double> & v,
                              std::vector<double> & out) const {
   if (n < 0 || n > fnRows || v.size() < static_cast<std::size_t>(n)) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> y(static_cast<std::size_t>(n));
     for (int i = 0; i < n; ++i) y[i] = fvDiag[i] * v[i];
     out.swap(y);
@@ -602,7 +591,7 @@ bool ZRDiagMatrix::ComputeLV(const std::vector<int> & idx, const std::vector<dou
   if (!IsValidMatrix() || idx.size() != val.size()) return false;
   for (int k : idx)
     if (!GoodRow(k)) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> y(fvDiag.size(), 0.0);
     for (std::size_t e = 0; e < idx.size(); ++e) y[idx[e]] += fvDiag[idx[e]] * val[e];
     out.swap(y);
@@ -622,7 +611,7 @@ bool ZRDiagMatrix::ComputeRTransSV(const IZRRectMatrix & R, const std::vector<do
       static_cast<Index>(v.size()) < n) {
     return false;
   }
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index p = R.GetNCols();
     std::vector<double> scratch, res(static_cast<std::size_t>(p), 0.0);
     const double * r = nullptr;
@@ -702,7 +691,7 @@ double ZRDiagMatrix::ComputeVSV(const IZRRectMatrix & R, int row) const {
       row >= R.GetNRows()) {
     return 0.0;
   }
-  return Guard(kSysMisValue, [&] {
+  return NoThrow(kSysMisValue, [&] {
     std::vector<double> copy;
     const double * r = nullptr;
     if (typeid(R) == typeid(ZRRectMatrix)) {
@@ -721,7 +710,7 @@ double ZRDiagMatrix::ComputeVSV(const IZRRectMatrix & R, int row) const {
 bool ZRDiagMatrix::ComputeRS(const IZRRectMatrix & R, IZRRectMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !R.IsValidMatrix() || R.GetNCols() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index m = R.GetNRows();
     std::vector<double> scratch, res(static_cast<std::size_t>(m * n), 0.0);
     const double * r = nullptr;
@@ -736,7 +725,7 @@ bool ZRDiagMatrix::ComputeRS(const IZRRectMatrix & R, IZRRectMatrix & out) const
 bool ZRDiagMatrix::ComputeRTransS(const IZRRectMatrix & R, IZRRectMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !R.IsValidMatrix() || R.GetNRows() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index p = R.GetNCols();
     std::vector<double> scratch, res(static_cast<std::size_t>(p * n), 0.0);
     const double * r = nullptr;
@@ -751,7 +740,7 @@ bool ZRDiagMatrix::ComputeRTransS(const IZRRectMatrix & R, IZRRectMatrix & out) 
 bool ZRDiagMatrix::ComputeRSRTrans(const IZRRectMatrix & R, IZRSymMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !R.IsValidMatrix() || R.GetNCols() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index m = R.GetNRows();
     std::vector<double> scratch, res(static_cast<std::size_t>(RowStart(m)), 0.0);
     const double * r = nullptr;
@@ -772,7 +761,7 @@ bool ZRDiagMatrix::ComputeRSRTrans(const IZRRectMatrix & R, IZRSymMatrix & out) 
 bool ZRDiagMatrix::ComputeRTransSR(const IZRRectMatrix & R, IZRSymMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !R.IsValidMatrix() || R.GetNRows() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index p = R.GetNCols();
     std::vector<double> scratch, res(static_cast<std::size_t>(RowStart(p)), 0.0);
     const double * r = nullptr;
@@ -795,7 +784,7 @@ bool ZRDiagMatrix::ComputeLTransR(const ZRRectMatrix & R, ZRRectMatrix & out, in
   const Index r = R.GetNRows(), p = R.GetNCols();
   const Index rows = r * k;
   if (rows > INT_MAX || rows * p > INT_MAX) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> res(static_cast<std::size_t>(rows * p));
     if (r > 0 && p > 0) {
       const double * a = R.GetRowPtr(0);
@@ -812,7 +801,7 @@ bool ZRDiagMatrix::ComputeLTransR(const ZRRectMatrix & R, ZRRectMatrix & out, in
 bool ZRDiagMatrix::ComputeSS(const IZRSymMatrix & S, IZRRectMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !S.IsValidMatrix() || S.GetNRows() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> res;
     Full(S, n, res);
     for (Index i = 0; i < n; ++i)
@@ -823,7 +812,7 @@ bool ZRDiagMatrix::ComputeSS(const IZRSymMatrix & S, IZRRectMatrix & out) const 
 
 void ZRDiagMatrix::ComputeSTransS(IZRSymMatrix & out) const {
   if (!IsValidMatrix()) return;
-  Guard(false, [&] {
+  NoThrow(false, [&] {
     std::vector<double> sq(fvDiag);  // formed first: out may be this
     for (double & d : sq) d *= d;
     if (!out.SetNRows(fnRows, true) || out.GetNRows() != fnRows) return false;
@@ -836,7 +825,7 @@ void ZRDiagMatrix::ComputeSTransS(IZRSymMatrix & out) const {
 bool ZRDiagMatrix::ComputeGMG(const std::vector<double> & M, ZRSymMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || static_cast<Index>(M.size()) != RowStart(n)) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> res(M.size());
     Index at = 0;
     for (Index i = 0; i < n; ++i)
@@ -848,7 +837,7 @@ bool ZRDiagMatrix::ComputeGMG(const std::vector<double> & M, ZRSymMatrix & out) 
 bool ZRDiagMatrix::ComputeGSG(const IZRSymMatrix & S, IZRSymMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !S.IsValidMatrix() || S.GetNRows() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> res(static_cast<std::size_t>(RowStart(n)));
     Index at = 0;
     for (Index i = 0; i < n; ++i)
@@ -865,7 +854,7 @@ bool ZRDiagMatrix::ComputeGMGNG(const IZRSymMatrix & M, const IZRSymMatrix & N, 
       N.GetNRows() != n) {
     return false;
   }
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> a, nf, res(static_cast<std::size_t>(RowStart(n)));
     Full(M, n, a);
     Full(N, n, nf);
@@ -891,7 +880,7 @@ bool ZRDiagMatrix::ComputeMGN(const IZRSymMatrix & M, const IZRSymMatrix & N,
       N.GetNRows() != n) {
     return false;
   }
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> mf, nf, res(static_cast<std::size_t>(RowStart(n)));
     Full(M, n, mf);
     Full(N, n, nf);
@@ -909,7 +898,7 @@ bool ZRDiagMatrix::ComputeMGN(const IZRSymMatrix & M, const IZRSymMatrix & N,
 bool ZRDiagMatrix::ComputeLSLTrans(const IZRSymMatrix & L, IZRSymMatrix & out) const {
   const Index n = fnRows;
   if (!IsValidMatrix() || !L.IsValidMatrix() || L.GetNRows() != n) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     std::vector<double> lf, res(static_cast<std::size_t>(RowStart(n)));
     Full(L, n, lf);  // only the lower triangle is read
     for (Index i = 0; i < n; ++i) {
@@ -928,7 +917,7 @@ bool ZRDiagMatrix::ComputeLTransSL(const IZRSymMatrix & L, IZRSymMatrix & out, i
     return false;
   const Index m = L.GetNRows();
   if (static_cast<Index>(fnRows) != m * k) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     const Index n = fnRows;
     std::vector<double> lf, res(static_cast<std::size_t>(RowStart(n)), 0.0);
     Full(L, m, lf);  // L(q, c) at lf[q m + c], read for q >= c only
@@ -976,7 +965,7 @@ double ZRDiagMatrix::TraceOfProductOfThree(const IZRSymMatrix & S, const IZRSymM
 
 void ZRDiagMatrix::ExtractFirstNRows(IZRSymMatrix & out) const {
   const int m = fnRows < 2 ? 0 : fnRows - 1;
-  Guard(false, [&] {
+  NoThrow(false, [&] {
     const std::vector<double> lead(fvDiag.begin(), fvDiag.begin() + m);
     if (out.GetType() == kDiagSymMatrix) {
       if (auto * o = dynamic_cast<ZRDiagMatrix *>(&out)) return o->ReplaceDiagonal(lead);
@@ -994,7 +983,7 @@ bool ZRDiagMatrix::ExtractSubmatrix(const std::vector<int> & idx, IZRSymMatrix &
     if (!GoodRow(k)) return false;
   const Index m = static_cast<Index>(idx.size());
   if (RowStart(m) > INT_MAX) return false;
-  return Guard(false, [&] {
+  return NoThrow(false, [&] {
     if (out.GetType() == kDiagSymMatrix) {
       auto * o = dynamic_cast<ZRDiagMatrix *>(&out);
       if (o == nullptr) return false;

@@ -7,12 +7,15 @@
 #include <vector>
 
 #include "zrcommon920r/math/matrix/blockmatrix.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace ZRMath_920 {
 
 namespace {
+
+using matrix_detail::NoThrow;
 
 // Packed offsets are worked in 64 bits, where none can overflow for int arguments.
 using Index = std::int64_t;
@@ -38,17 +41,6 @@ bool InTriangle(Index n, Index r, Index c, Index m, Index k) {
 // The order of B when it is valid, else -1.
 int OrderOf(const ZRSymBlockDiagMatrix & B) {
   return B.IsValidMatrix() ? B.GetNRows() : -1;
-}
-
-template <class R, class F>
-R NoThrow(R fail, F && f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc &) {
-    return fail;
-  } catch (const std::length_error &) {
-    return fail;
-  }
 }
 
 // out (packed, order m) = R' B R for the rectangle R of nb rows and m columns with first

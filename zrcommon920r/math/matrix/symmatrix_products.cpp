@@ -13,11 +13,13 @@
 #include <vector>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 
 namespace ZRMath_920 {
 
 namespace {
 
+using matrix_detail::NoThrow;
 using ZRCommon_920::kSysMisValue;
 
 // Packed offsets, strided and growing walks are worked in 64 bits, where none of them
@@ -59,18 +61,6 @@ bool IsDense(const IZRSymMatrix & m) {
 }
 bool IsDense(const IZRRectMatrix & m) {
   return typeid(m) == typeid(ZRRectMatrix);
-}
-
-// Runs f; a failed allocation gives fail instead of an exception.
-template <class R, class F>
-R NoThrow(R fail, F && f) {
-  try {
-    return f();
-  } catch (const std::bad_alloc &) {
-    return fail;
-  } catch (const std::length_error &) {
-    return fail;
-  }
 }
 
 // Base of a walk of n elements with the BLAS rule: element k is at base[k * stride], so

@@ -24,6 +24,19 @@ bool NoThrow(Op op) {
   return true;
 }
 
+// Runs f() and gives its result, or fail when it ran out of memory or past a container's
+// limit.
+template <typename R, typename F>
+R NoThrow(R fail, F && f) {
+  try {
+    return f();
+  } catch (const std::bad_alloc &) {
+    return fail;
+  } catch (const std::length_error &) {
+    return fail;
+  }
+}
+
 // v.resize(n), v.assign(n, x) and dst = src without exceptions.
 inline bool ResizeNoThrow(std::vector<double> & v, std::size_t n) {
   return NoThrow([&] { v.resize(n); });
