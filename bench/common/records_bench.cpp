@@ -17,7 +17,11 @@
 
 #include "zrcommon920r/common/records.h"
 
+#include "benchlcg.h"
+
 namespace {
+
+using zrbench::Lcg;
 
 using ZRCommon_920::MemoryRecordIterator;
 using ZRCommon_920::MultiPassRecordIter;
@@ -29,21 +33,6 @@ constexpr int kCases = 1000000;
 constexpr int kPredictors = 20;
 constexpr int kNames = 50;
 constexpr int kLookups = 100000;
-
-// A fixed 64-bit LCG (Knuth's MMIX constants), so every run sees the same values.
-class Lcg {
- public:
-  explicit Lcg(std::uint64_t seed) : fState(seed) {}
-  std::uint64_t Next() {
-    fState = fState * 6364136223846793005u + 1442695040888963407u;
-    return fState >> 11;
-  }
-  double Uniform() { return static_cast<double>(Next()) * 0x1p-53; }
-  int Below(int n) { return static_cast<int>(Next() % static_cast<std::uint64_t>(n)); }
-
- private:
-  std::uint64_t fState;
-};
 
 void Fail(benchmark::State & state, const char * what, long long at) {
   char message[96];

@@ -23,7 +23,11 @@
 #include "zrcommon920r/math/stats/chartdata.h"
 #include "zrcommon920r/math/stats/gains.h"
 
+#include "benchlcg.h"
+
 namespace {
+
+using zrbench::Lcg;
 
 using ZRMath_920::RegDataInfo;
 using ZRMath_920::RegGainsChart;
@@ -34,23 +38,6 @@ constexpr int kCases = 1000000;
 constexpr int kPasses = 10;  // 10^7 cases per iteration
 constexpr int kBins = 50;
 constexpr int kRecords = 1000000;
-
-// A fixed 64-bit LCG (Knuth's MMIX constants), so every run sees the same values.
-class Lcg {
- public:
-  explicit Lcg(std::uint64_t seed) : fState(seed) {}
-  std::uint64_t Next() {
-    fState = fState * 6364136223846793005u + 1442695040888963407u;
-    return fState >> 11;
-  }
-  // Uniform on [0, 1).
-  double Uniform() { return static_cast<double>(Next()) * 0x1p-53; }
-  // Uniform on 0 .. n - 1.
-  int Below(int n) { return static_cast<int>(Next() % static_cast<std::uint64_t>(n)); }
-
- private:
-  std::uint64_t fState;
-};
 
 // ---- Histograms ----
 

@@ -17,23 +17,13 @@
 
 #include "zrcommon920r/xml/settings/settings.h"
 
+#include "benchlcg.h"
+
 namespace {
 
+using zrbench::Lcg;
+
 constexpr int kLookups = 100000;
-
-// A fixed 64-bit LCG (Knuth's MMIX constants), so every run sees the same names.
-class Lcg {
- public:
-  explicit Lcg(std::uint64_t seed) : fState(seed) {}
-  // Uniform on 0 .. n - 1.
-  int Below(int n) {
-    fState = fState * 6364136223846793005u + 1442695040888963407u;
-    return static_cast<int>((fState >> 11) % static_cast<std::uint64_t>(n));
-  }
-
- private:
-  std::uint64_t fState;
-};
 
 // n distinct names, name i holding i / 2, and kLookups draws among them.
 struct Names {

@@ -24,29 +24,16 @@
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/xml/vars/encoder.h"
 
+#include "benchlcg.h"
+
 namespace {
+
+using zrbench::Lcg;
 
 namespace zx = ZRXML_920;
 using ZRCommon_920::kSysMisValue;
 
 constexpr int kValues = 1000000;
-
-// A fixed 64-bit LCG (Knuth's MMIX constants), so every run sees the same values.
-class Lcg {
- public:
-  explicit Lcg(std::uint64_t seed) : fState(seed) {}
-  std::uint64_t Next() {
-    fState = fState * 6364136223846793005u + 1442695040888963407u;
-    return fState >> 11;
-  }
-  // Uniform on [0, 1).
-  double Uniform() { return static_cast<double>(Next()) * 0x1p-53; }
-  // Uniform on 0 .. n - 1.
-  int Below(int n) { return static_cast<int>(Next() % static_cast<std::uint64_t>(n)); }
-
- private:
-  std::uint64_t fState;
-};
 
 void PerValue(benchmark::State & state) {
   state.counters["calls"] = kValues;
