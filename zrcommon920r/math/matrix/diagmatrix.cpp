@@ -17,6 +17,7 @@
 
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/display/display.h"
+#include "zrcommon920r/math/matrix/detail/display_rows.h"
 #include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 
@@ -1025,13 +1026,7 @@ void ZRDiagMatrix::DisplayF() const {
   ZRDisplay_920::DisplayText(1, "ZRDiagMatrix display start");
   ZRDisplay_920::DisplayI("Number of rows", fnRows);
   ZRDisplay_920::DisplayI("Number of columns", fnRows);
-  char number[16];
-  std::vector<double> row;
-  for (int i = 0; i < fnRows; ++i) {
-    std::snprintf(number, sizeof number, "%d", i);
-    if (!GetRow(i, row)) row.clear();
-    ZRDisplay_920::DisplayDV(std::string("row ") + number + ": ", row, true);
-  }
+  matrix_detail::DisplayFullRows(*this, fnRows);
   // Intended: no end line.
 }
 

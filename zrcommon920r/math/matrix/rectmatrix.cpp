@@ -14,6 +14,7 @@
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/display/display.h"
 #include "zrcommon920r/math/dist/mathfun.h"
+#include "zrcommon920r/math/matrix/detail/display_rows.h"
 
 namespace ZRMath_920 {
 
@@ -1133,13 +1134,7 @@ void ZRRectMatrix::DisplayF() const {
   ZRDisplay_920::DisplayText(1, "ZRRectMatrix full matrix display start");
   ZRDisplay_920::DisplayI("Number of rows", fnRows);
   ZRDisplay_920::DisplayI("Number of columns", fnCols);
-  char number[16];
-  std::vector<double> row;
-  for (int i = 0; i < fnRows; ++i) {
-    std::snprintf(number, sizeof number, "%d", i);
-    if (!GetRow(i, row)) row.clear();
-    ZRDisplay_920::DisplayDV(std::string("row ") + number + ": ", row, true);
-  }
+  matrix_detail::DisplayFullRows(*this, fnRows);
   ZRDisplay_920::DisplayText(1, "ZRRectMatrix display end");
 }
 

@@ -16,6 +16,7 @@
 #include <typeinfo>
 
 #include "zrcommon920r/display/display.h"
+#include "zrcommon920r/math/matrix/detail/display_rows.h"
 
 namespace ZRMath_920 {
 
@@ -690,13 +691,7 @@ void ZRSymMatrix::Display() const {
 void ZRSymMatrix::DisplayF() const {
   ZRDisplay_920::DisplayText(1, "ZRSymMatrix full matrix display start");
   ZRDisplay_920::DisplayI("Number of rows", fnRows);
-  char number[16];
-  std::vector<double> row;
-  for (int i = 0; i < fnRows; ++i) {
-    std::snprintf(number, sizeof number, "%d", i);
-    if (!GetRow(i, row)) row.clear();
-    ZRDisplay_920::DisplayDV(std::string("row ") + number + ": ", row, true);
-  }
+  matrix_detail::DisplayFullRows(*this, fnRows);
   ZRDisplay_920::DisplayText(1, "ZRSymMatrix display end");
 }
 
