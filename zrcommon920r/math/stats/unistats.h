@@ -58,7 +58,7 @@ class ZRContStats {
   // and "ZRContStats display end" lines; the two pairs as two-number arrays.
   void Display() const;
 
- private:
+ protected:  // a caller that moves the state between processes derives and fills these
   double fdMin = ZRCommon_920::kSysMisValue;
   double fdMax = ZRCommon_920::kSysMisValue;
   double fdSumFreq = 0.0;
@@ -101,7 +101,7 @@ class ZRCatStats {
   // "ZRCatStats display end" lines.
   void Display() const;
 
- private:
+ protected:  // as ZRContStats's
   std::vector<double> fvCounts;
 };
 
