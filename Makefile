@@ -6,7 +6,7 @@ BUILDDIR ?= build
 
 CMAKE_CONFIGURE = cmake -S . -DCMAKE_CXX_COMPILER=$(CXX) -DZR_WERROR=$(WERROR)
 
-.PHONY: test demo sanitize bench test-clang fuzz format clean check-tools
+.PHONY: test demo sanitize tsan bench test-clang fuzz format clean check-tools
 
 # Stops with the apt-get line that installs a missing tool.
 check-tools:
@@ -23,7 +23,8 @@ if [ "$$(id -u)" = 0 ]; then \
   apt-get install -y $$missing || { apt-get update && apt-get install -y $$missing; }; \
 else echo "apt-get install$$missing"; exit 1; fi
 endef
-TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev libxml2-utils locales python3
+TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev libxml2-utils locales python3 \
+                 libopenmpi-dev openmpi-bin
 BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev \
                  libgsl-dev libopenblas0-pthread
 FUZZ_PACKAGES  = clang libclang-rt-14-dev libgtest-dev locales
@@ -46,6 +47,18 @@ sanitize: check-tools
 	cmake --build $(BUILDDIR)/sanitize -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --test-dir $(BUILDDIR)/sanitize --output-on-failure -j $(JOBS)
+
+# ThreadSanitizer with clang, in its own build folder: the tests, including the threaded
+# example on a small data set. TSAN_TESTS narrows the run to a ctest regular expression.
+TSAN_PACKAGES = clang libclang-rt-14-dev
+TSAN_TESTS   ?= .
+tsan: check-tools
+	$(call need-packages,$(TEST_PACKAGES) $(TSAN_PACKAGES))
+	cmake -S . -B $(BUILDDIR)/tsan -DCMAKE_CXX_COMPILER=clang++ -DZR_WERROR=$(WERROR) \
+	  -DCMAKE_BUILD_TYPE=Debug -DZR_TSAN=ON
+	cmake --build $(BUILDDIR)/tsan -j $(JOBS)
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+	  ctest --test-dir $(BUILDDIR)/tsan --output-on-failure -j $(JOBS) -R '$(TSAN_TESTS)'
 
 test-clang:
 	@command -v clang++ >/dev/null 2>&1 || { echo "clang++ not found: apt-get install clang"; exit 1; }

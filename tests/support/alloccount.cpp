@@ -5,12 +5,24 @@
 #include <cstdlib>
 #include <new>
 
+// ThreadSanitizer's runtime defines operator new and delete itself, and a second
+// definition does not link: under it nothing is counted (see alloccount.h).
+#if defined(__SANITIZE_THREAD__)
+#define ZR_TEST_KEEP_OPERATOR_NEW 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define ZR_TEST_KEEP_OPERATOR_NEW 1
+#endif
+#endif
+
 namespace {
 
 // Constant-initialised, so it is usable by allocations made before main and on any thread.
 thread_local long tAllocations = 0;
 // Set while a FailArrayNew lives on this thread.
 thread_local bool tFailArrayNew = false;
+
+#ifndef ZR_TEST_KEEP_OPERATOR_NEW
 
 void * Allocate(std::size_t size) noexcept {
   ++tAllocations;
@@ -38,6 +50,7 @@ void * OrThrow(void * p) {
   if (p == nullptr) throw std::bad_alloc();
   return p;
 }
+#endif
 
 }  // namespace
 
@@ -55,8 +68,17 @@ FailArrayNew::~FailArrayNew() {
   tFailArrayNew = fWasFailing;
 }
 
+bool CountsAllocations() {
+#ifdef ZR_TEST_KEEP_OPERATOR_NEW
+  return false;
+#else
+  return true;
+#endif
+}
+
 }  // namespace zrtest
 
+#ifndef ZR_TEST_KEEP_OPERATOR_NEW
 void * operator new(std::size_t size) {
   return OrThrow(Allocate(size));
 }
@@ -118,3 +140,4 @@ void operator delete(void * p, std::align_val_t, const std::nothrow_t &) noexcep
 void operator delete[](void * p, std::align_val_t, const std::nothrow_t &) noexcept {
   std::free(p);
 }
+#endif
