@@ -1,9 +1,12 @@
 // Benchmark driver. Benchmarks are named "<Work>/<side>/<args>" (the args may be absent):
 // side "zr" is this library, any other side a reference library on the same data. After
 // the usual report, works measured against "ref" alone get a table of this library's time
-// against the reference's; works with other references get one table per set of them,
-// in CPU nanoseconds per call, with this library's time over the fastest reference's. The
-// header names the files (or version) each reference came from.
+// against the reference's; works measured against reference BLAS/LAPACK ("ref") and
+// OpenBLAS ("openblas") get one table of the three CPU times per call, both ratios and the
+// GFLOP/s each side reaches, from the flops per iteration a benchmark states in its
+// "flops" counter; works with other references get one table per set of them, in CPU
+// nanoseconds per call, with this library's time over the fastest reference's. The header
+// names the files (or version) each reference came from.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <boost/version.hpp>
@@ -18,6 +21,7 @@
 #include <string>
 #include <vector>
 
+#include "openblas.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
 namespace {
@@ -61,6 +65,11 @@ class RatioReporter : public benchmark::ConsoleReporter {
           calls != run.counters.end() && calls->second.value > 0.0 ? calls->second.value : 1.0;
       // With --benchmark_repetitions the fastest repetition counts: noise only adds time.
       Times & times = fWorks[key];
+      const auto flops = run.counters.find("flops");
+      if (flops != run.counters.end()) {
+        times.flops = flops->second.value / perCall;
+        times.formula = run.report_label;
+      }
       const double own = run.GetAdjustedRealTime();
       const auto seen = times.own.find(side);
       if (seen == times.own.end() || own < seen->second) times.own[side] = own;
@@ -81,15 +90,16 @@ class RatioReporter : public benchmark::ConsoleReporter {
     // Works against "ref" alone: times in each benchmark's own unit, sorted by name.
     bool header = false;
     for (const auto & [key, times] : fWorks) {
-      if (References(times) != std::vector<std::string>{"ref"}) continue;
+      if (References(times) != std::vector<std::string>{"ref"} || InBlasTable(times)) continue;
       const double zr = times.own.at("zr"), ref = times.own.at("ref");
       if (ref <= 0.0) continue;
       if (!header) std::printf("\n%-48s %14s %14s %8s\n", "work", "zr time", "ref time", "zr/ref");
       header = true;
       std::printf("%-48s %14.1f %14.1f %8.3f\n", key.c_str(), zr, ref, zr / ref);
     }
+    PrintBlasTable();
     // Every other set of references: a table each, in the order the works ran.
-    std::vector<std::vector<std::string>> printed{{"ref"}, {}};
+    std::vector<std::vector<std::string>> printed{{"ref"}, {}, {"ref", "openblas"}};
     for (const std::string & first : fOrder) {
       const std::vector<std::string> sides = References(fWorks.at(first));
       if (std::find(printed.begin(), printed.end(), sides) != printed.end()) continue;
@@ -117,7 +127,74 @@ class RatioReporter : public benchmark::ConsoleReporter {
   struct Times {
     std::map<std::string, double> own;        // per iteration, in the benchmark's unit
     std::map<std::string, double> nsPerCall;  // CPU time in ns, divided by "calls"
+    double flops = 0.0;                       // per call; 0 when not stated
+    std::string formula;                      // how flops was counted, "2n^3"
   };
+
+  // Works against reference BLAS/LAPACK and OpenBLAS; without OpenBLAS, the works against
+  // the reference that state their flops, whose tables would otherwise have held it.
+  static bool InBlasTable(const Times & times) {
+    return times.own.count("zr") != 0 && times.own.count("ref") != 0 &&
+           (times.own.count("openblas") != 0 ||
+            (times.flops > 0.0 && !zrbench::OpenBlas::Get().Loaded()));
+  }
+
+  // ns as a time with a unit and four significant digits: "812.3 us".
+  static std::string Duration(double ns) {
+    static const char * const kUnits[] = {"ns", "us", "ms", "s"};
+    int unit = 0;
+    for (; unit < 3 && ns >= 1000.0; ++unit) ns /= 1000.0;
+    char text[32];
+    std::snprintf(text, sizeof text, "%.4g %s", ns, kUnits[unit]);
+    return text;
+  }
+
+  // The three columns, in the order the works ran; "-" for what was not measured.
+  void PrintBlasTable() const {
+    const bool openblas = zrbench::OpenBlas::Get().Loaded();
+    bool header = false;
+    for (const std::string & key : fOrder) {
+      const Times & times = fWorks.at(key);
+      if (!InBlasTable(times)) continue;
+      if (!header) {
+        std::printf("\nOne thread, CPU time per call; GFLOP/s = flops / time%s\n",
+                    openblas ? "" : " (no OpenBLAS: its columns are skipped)");
+        std::printf("%-28s %9s %10s %10s", "work", "flops", "zr", "ref");
+        if (openblas) std::printf(" %10s", "openblas");
+        std::printf(" %7s", "zr/ref");
+        if (openblas) std::printf(" %7s", "zr/ob");
+        std::printf(" %8s %8s", "zr GF/s", "ref GF/s");
+        if (openblas) std::printf(" %8s", "ob GF/s");
+        std::printf("  flops as\n");
+        header = true;
+      }
+      std::vector<std::string> sides{"zr", "ref"};
+      if (openblas) sides.push_back("openblas");
+      const auto ns = [&](const std::string & side) {
+        const auto at = times.nsPerCall.find(side);
+        return at == times.nsPerCall.end() ? 0.0 : at->second;
+      };
+      if (times.flops > 0.0)
+        std::printf("%-28s %9.3g", key.c_str(), times.flops);
+      else
+        std::printf("%-28s %9s", key.c_str(), "-");
+      for (const std::string & side : sides)
+        std::printf(" %10s", ns(side) > 0.0 ? Duration(ns(side)).c_str() : "-");
+      for (std::size_t k = 1; k < sides.size(); ++k) {
+        if (ns(sides[k]) > 0.0)
+          std::printf(" %7.2f", ns("zr") / ns(sides[k]));
+        else
+          std::printf(" %7s", "-");
+      }
+      for (const std::string & side : sides) {
+        if (times.flops > 0.0 && ns(side) > 0.0)
+          std::printf(" %8.2f", times.flops / ns(side));
+        else
+          std::printf(" %8s", "-");
+      }
+      std::printf("%s%s\n", times.formula.empty() ? "" : "  ", times.formula.c_str());
+    }
+  }
 
   // The reference sides measured for a work, in the order first seen; empty without zr.
   std::vector<std::string> References(const Times & times) const {

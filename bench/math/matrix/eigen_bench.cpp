@@ -1,16 +1,14 @@
 // Symmetric eigenvalues, and eigenvalues with eigenvectors, against dspev of reference
 // LAPACK (linked by its own path) and of OpenBLAS (loaded apart, one thread) on the same
-// packed matrix: the lower triangle by rows is the upper triangle by columns.
+// packed matrix: the lower triangle by rows is the upper triangle by columns. Eigenvalues
+// alone count the 4n^3/3 flops of the reduction to tridiagonal form, which dominates.
 #include <benchmark/benchmark.h>
-#include <dlfcn.h>
 
-#include <climits>
-#include <cstdio>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "openblas.h"
 #include "zrcommon920r/math/matrix/eigen.h"
 
 extern "C" {
@@ -36,6 +34,10 @@ std::vector<double> RandomPacked(int n) {
   return ap;
 }
 
+void CountValuesFlops(benchmark::State & state, int n) {
+  zrbench::CountFlops(state, 4.0 / 3.0 * n * n * n, "4n^3/3");
+}
+
 ZRSymMatrix ToSym(const std::vector<double> & ap, int n) {
   ZRSymMatrix h(n, true);
   for (std::size_t k = 0; k < ap.size(); ++k) h.SetElem(static_cast<int>(k), ap[k]);
@@ -50,6 +52,7 @@ void ValuesZr(benchmark::State & state) {
     if (eig.Compute(values) != n) state.SkipWithError("not all eigenvalues converged");
     benchmark::DoNotOptimize(values.data());
   }
+  CountValuesFlops(state, n);
 }
 
 void VectorsZr(benchmark::State & state) {
@@ -76,38 +79,11 @@ void Dspev(benchmark::State & state, DspevFn dspev, const char * jobz) {
     if (info != 0) state.SkipWithError("dspev failed");
     benchmark::DoNotOptimize(z.data());
   }
-}
-
-// OpenBLAS's dspev_, kept apart from the reference symbols (RTLD_LOCAL | RTLD_DEEPBIND), with
-// one thread; null when the library isn't installed (libopenblas0-pthread).
-DspevFn LoadOpenBlas(std::string & origin) {
-  setenv("OPENBLAS_NUM_THREADS", "1", 1);
-  void * lib = dlopen("libopenblas.so.0", RTLD_NOW | RTLD_LOCAL | RTLD_DEEPBIND);
-  if (lib == nullptr) return nullptr;
-  using SetThreads = void (*)(int);
-  if (auto set = reinterpret_cast<SetThreads>(dlsym(lib, "openblas_set_num_threads"))) set(1);
-  auto fn = reinterpret_cast<DspevFn>(dlsym(lib, "dspev_"));
-  Dl_info info;
-  char path[PATH_MAX];
-  origin = "(not found)";
-  if (fn != nullptr && dladdr(reinterpret_cast<const void *>(fn), &info) != 0 &&
-      info.dli_fname != nullptr)
-    origin = realpath(info.dli_fname, path) != nullptr ? path : info.dli_fname;
-  using Config = const char * (*)();
-  if (auto config = reinterpret_cast<Config>(dlsym(lib, "openblas_get_config")))
-    origin += std::string(", ") + config();
-  return fn;
+  if (*jobz == 'N') CountValuesFlops(state, n);
 }
 
 bool RegisterAll() {
-  std::string origin;
-  const DspevFn openblas = LoadOpenBlas(origin);
-  if (openblas != nullptr)
-    benchmark::AddCustomContext("openblas (dspev_)", origin);
-  else
-    std::fprintf(stderr,
-                 "EigenValues: libopenblas.so.0 not found (apt-get install "
-                 "libopenblas0-pthread); its column is skipped\n");
+  const auto openblas = zrbench::OpenBlas::Get().Find<DspevFn>("dspev_");
   for (const char * jobz : {"N", "V"}) {
     const std::string work = *jobz == 'N' ? "EigenValues" : "EigenVectors";
     const auto add = [&](const char * side, auto run) {

@@ -3,6 +3,9 @@
 // of a block against the means, centring and dsyrk, ZRMeansXProdData::Merge against daxpy
 // of the packed matrices and a dspr correction, and ZRAccumXProdPair::Update per case. The
 // lower triangle by rows is the upper triangle by columns, so dspr works on our layout.
+// Compute and Merge also run with OpenBLAS's routines. Flops counted: rows p (p + 3) for a
+// block (the sums for the means, the centring, the products), 3p(p + 1)/2 for a merge (the
+// sum of the matrices and the rank-one correction).
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -10,6 +13,7 @@
 #include <random>
 #include <vector>
 
+#include "openblas.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
 #include "zrcommon920r/math/stats/xprodpair.h"
@@ -32,6 +36,13 @@ using ZRMath_920::ZRMeansXProducts;
 using ZRMath_920::ZRProvMeans;
 using ZRMath_920::ZRRectMatrix;
 
+using DsprFn = void (*)(const char *, const int *, const double *, const double *, const int *,
+                        double *);
+using DsyrkFn = void (*)(const char *, const char *, const int *, const int *, const double *,
+                         const double *, const int *, const double *, double *, const int *);
+using DaxpyFn = void (*)(const int *, const double *, const double *, const int *, double *,
+                         const int *);
+
 constexpr int kRows = 10000;  // rows of a block
 constexpr int kCases = 1000;  // cases cycled through by the per-case benchmarks
 
@@ -51,6 +62,13 @@ ZRRectMatrix Block(const std::vector<std::vector<double>> & rows) {
   for (int r = 0; r < m.GetNRows(); ++r)
     for (int i = 0; i < p; ++i) m.SetElem(r, i, rows[r][i]);
   return m;
+}
+
+void CountComputeFlops(benchmark::State & state, int p) {
+  zrbench::CountFlops(state, static_cast<double>(kRows) * p * (p + 3), "10000p(p+3)");
+}
+void CountMergeFlops(benchmark::State & state, int p) {
+  zrbench::CountFlops(state, 1.5 * p * (p + 1), "3p(p+1)/2");
 }
 
 void ProvMeansUpdate_zr(benchmark::State & state) {
@@ -97,11 +115,12 @@ void Compute_zr(benchmark::State & state) {
     benchmark::DoNotOptimize(acc.GetXProds().GetElem(0));
   }
   state.SetItemsProcessed(state.iterations() * kRows);
+  CountComputeFlops(state, p);
 }
 
 // The same two passes: column means, the centred block, then C = X'X by dsyrk. Row-major
 // X is column-major X' (p x rows), so X'X is A A' with A = X': dsyrk "N".
-void Compute_ref(benchmark::State & state) {
+void Compute_ref(benchmark::State & state, DsyrkFn dsyrk) {
   const int p = static_cast<int>(state.range(0));
   const auto rows = RandomRows(kRows, p, 2);
   std::vector<double> x(static_cast<std::size_t>(kRows) * p), centred(x.size());
@@ -120,10 +139,11 @@ void Compute_ref(benchmark::State & state) {
         const std::size_t at = static_cast<std::size_t>(r) * p + i;
         centred[at] = x[at] - mean[i];
       }
-    dsyrk_("U", "N", &p, &k, &one, centred.data(), &p, &zero, c.data(), &p);
+    dsyrk("U", "N", &p, &k, &one, centred.data(), &p, &zero, c.data(), &p);
     benchmark::DoNotOptimize(c.data());
   }
   state.SetItemsProcessed(state.iterations() * kRows);
+  CountComputeFlops(state, p);
 }
 
 // Merges of one summary of 1000 cases into a growing one.
@@ -137,11 +157,12 @@ void Merge_zr(benchmark::State & state) {
     benchmark::DoNotOptimize(total.GetNCases());
   }
   state.SetItemsProcessed(state.iterations());
+  CountMergeFlops(state, p);
 }
 
 // The same merge: means moved, packed += packed_o (daxpy), then the rank-one correction
 // (m_o - m) (m_o - m)' N N_o / N' (dspr).
-void Merge_ref(benchmark::State & state) {
+void Merge_ref(benchmark::State & state, DaxpyFn daxpy, DsprFn dspr) {
   const int p = static_cast<int>(state.range(0));
   ZRMeansXProducts part(p, true, false, false);
   part.Compute(Block(RandomRows(kCases, p, 3)), 0);
@@ -158,14 +179,15 @@ void Merge_ref(benchmark::State & state) {
     const double nNew = n + no;
     const double c = n * no / nNew;
     for (int i = 0; i < p; ++i) d[i] = meanO[i] - mean[i];
-    daxpy_(&count, &one, apo.data(), &inc, ap.data(), &inc);
-    dspr_("U", &p, &c, d.data(), &inc, ap.data());
+    daxpy(&count, &one, apo.data(), &inc, ap.data(), &inc);
+    dspr("U", &p, &c, d.data(), &inc, ap.data());
     const double f = no / nNew;
     for (int i = 0; i < p; ++i) mean[i] += d[i] * f;
     n = nNew;
     benchmark::DoNotOptimize(ap.data());
   }
   state.SetItemsProcessed(state.iterations());
+  CountMergeFlops(state, p);
 }
 
 // Every pair of a complete case of p variables: p (p - 1) / 2 pair updates, folded every
@@ -185,12 +207,30 @@ void PairUpdate_zr(benchmark::State & state) {
   state.SetItemsProcessed(state.iterations() * p * (p - 1) / 2);
 }
 
+// Compute and Merge: our side, reference BLAS, then OpenBLAS when it is there.
+bool RegisterBlocks() {
+  const zrbench::OpenBlas & openblas = zrbench::OpenBlas::Get();
+  const auto obDsyrk = openblas.Find<DsyrkFn>("dsyrk_");
+  const auto obDaxpy = openblas.Find<DaxpyFn>("daxpy_");
+  const auto obDspr = openblas.Find<DsprFn>("dspr_");
+  const auto blocks = [](benchmark::internal::Benchmark * b) {
+    b->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
+  };
+  benchmark::RegisterBenchmark("Compute/zr", Compute_zr)->Apply(blocks);
+  benchmark::RegisterBenchmark("Compute/ref", Compute_ref, &dsyrk_)->Apply(blocks);
+  if (obDsyrk != nullptr)
+    benchmark::RegisterBenchmark("Compute/openblas", Compute_ref, obDsyrk)->Apply(blocks);
+  const auto merges = [](benchmark::internal::Benchmark * b) { b->Arg(20)->Arg(100); };
+  benchmark::RegisterBenchmark("Merge/zr", Merge_zr)->Apply(merges);
+  benchmark::RegisterBenchmark("Merge/ref", Merge_ref, &daxpy_, &dspr_)->Apply(merges);
+  if (obDaxpy != nullptr && obDspr != nullptr)
+    benchmark::RegisterBenchmark("Merge/openblas", Merge_ref, obDaxpy, obDspr)->Apply(merges);
+  return true;
+}
+
 }  // namespace
 
 BENCHMARK(ProvMeansUpdate_zr)->Name("ProvMeansUpdate/zr")->Arg(20)->Arg(100);
 BENCHMARK(ProvMeansUpdate_ref)->Name("ProvMeansUpdate/ref")->Arg(20)->Arg(100);
-BENCHMARK(Compute_zr)->Name("Compute/zr")->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Compute_ref)->Name("Compute/ref")->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
-BENCHMARK(Merge_zr)->Name("Merge/zr")->Arg(20)->Arg(100);
-BENCHMARK(Merge_ref)->Name("Merge/ref")->Arg(20)->Arg(100);
+[[maybe_unused]] static const bool kBlocksRegistered = RegisterBlocks();
 BENCHMARK(PairUpdate_zr)->Name("PairUpdate/zr")->Arg(20)->Arg(100);
