@@ -351,7 +351,9 @@ TEST(ZRSparseRectMatrixGrowth, ReserveRuleAcrossManyAddRows) {
       const long allocations = counter.Count();
       ASSERT_EQ(added, row);
       const bool grows = std::find(c.growsAt.begin(), c.growsAt.end(), row) != c.growsAt.end();
-      if (zrtest::CountsAllocations()) EXPECT_EQ(allocations > 0, grows) << row;
+      if (zrtest::CountsAllocations()) {
+        EXPECT_EQ(allocations > 0, grows) << row;
+      }
     }
   }
   ZRSparseRectMatrix m(1, 1000, 3);
