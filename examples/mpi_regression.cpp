@@ -10,19 +10,29 @@
 // frequency weight; a record with a field that is not a number, or a weight not above 0,
 // is dropped.
 //
+// With --generate, the ranks draw a data set instead, the one the threaded example builds:
+// chunks of cases from their own seeds, rank r taking chunks r, r + N, ..., so the data do
+// not depend on the number of ranks. Its fields are x1..xP (x1..x3 indicators of a
+// four-category field), the response y and a weight; no record is dropped.
+//
 // Usage: mpirun -np N zr_mpi data.csv model.pmml
+//        mpirun -np N zr_mpi --generate cases predictors [model.pmml]   (predictors 4..2000)
 // Rank 0 prints "coefficient <name> <estimate> <se> <t> <sig>" lines, estimates with 17
-// digits, so that runs on different numbers of ranks can be compared.
+// digits, so that runs on different numbers of ranks can be compared. With --generate it
+// also prints "cases_per_second <value>": the cases over the wall-clock time from MPI's
+// start to the end of the fit, the PMML document excepted.
 #include <mpi.h>
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "generated_cases.h"
 #include "zrcommon920r/zrcommon920r.h"
 
 namespace {
@@ -221,9 +231,12 @@ bool WritePmml(const std::string & path, const std::vector<std::string> & names,
   return static_cast<bool>(out);
 }
 
-// Rank 0's part once the summaries are gathered: unpack, join in rank order, fit, write.
+// Rank 0's part once the summaries are gathered: unpack, join in rank order, fit, write the
+// document unless pmmlPath is empty. With cases > 0, prints them over the seconds since
+// start.
 int Finish(const std::vector<double> & all, int size, int nVars,
-           const std::vector<std::string> & used, const std::string & pmmlPath) {
+           const std::vector<std::string> & used, const std::string & pmmlPath, double start,
+           long long cases) {
   const int length = PackedSummary::Length(nVars) + nVars * PackedStats::kLength;
   ZRMeansXProdData total;
   std::vector<ZRContStats> stats(nVars);
@@ -241,6 +254,7 @@ int Finish(const std::vector<double> & all, int size, int nVars,
     }
   }
   const std::vector<Coefficient> model = Fit(total, used);
+  const double seconds = MPI_Wtime() - start;
   if (model.empty()) {
     std::fprintf(stderr, "the fit failed\n");
     return 1;
@@ -249,25 +263,80 @@ int Finish(const std::vector<double> & all, int size, int nVars,
   for (const Coefficient & c : model)
     std::printf("coefficient %s %.17g %.6g %.6g %.6g\n", c.name.c_str(), c.estimate, c.se, c.t,
                 c.sig);
-  if (!WritePmml(pmmlPath, used, stats, model)) {
+  if (cases > 0) std::printf("cases_per_second %.6g\n", static_cast<double>(cases) / seconds);
+  if (!pmmlPath.empty() && !WritePmml(pmmlPath, used, stats, model)) {
     std::fprintf(stderr, "cannot write %s\n", pmmlPath.c_str());
     return 1;
   }
   return 0;
 }
 
-}  // namespace
+// Gathers every rank's summary and field summaries on rank 0, into all there.
+std::vector<double> GatherSummaries(int rank, int size, const ZRMeansXProdData & summary,
+                                    const std::vector<PackedStats> & stats) {
+  const int nVars = static_cast<int>(stats.size());
+  const int length = PackedSummary::Length(nVars) + nVars * PackedStats::kLength;
+  std::vector<double> mine(length), all;
+  PackedSummary(nVars).Pack(summary, mine.data());
+  for (int k = 0; k < nVars; ++k)
+    stats[k].Pack(&mine[PackedSummary::Length(nVars) + k * PackedStats::kLength]);
+  if (rank == 0) all.resize(static_cast<std::size_t>(length) * size);
+  MPI_Gather(mine.data(), length, MPI_DOUBLE, rank == 0 ? all.data() : nullptr, length, MPI_DOUBLE,
+             0, MPI_COMM_WORLD);
+  return all;
+}
 
-int main(int argc, char ** argv) {
-  MPI_Init(&argc, &argv);
-  int rank = 0, size = 1;
-  MPI_Comm_rank(MPI_COMM_WORLD, &rank);
-  MPI_Comm_size(MPI_COMM_WORLD, &size);
+// A positive whole number from text; false for anything else.
+bool ParseCount(const char * text, long long & value) {
+  char * end = nullptr;
+  value = std::strtoll(text, &end, 10);
+  return *text != '\0' && *end == '\0' && value > 0;
+}
+
+// This rank's chunks of the generated data set, summarised, then joined and fitted on rank 0.
+int RunGenerated(int rank, int size, const zr_examples::Shape & shape, const std::string & pmmlPath,
+                 double start) {
+  const int p = shape.predictors, nVars = p + 1;
+  ZRMath_920::ZRRandomTwister source;
+  ZRMath_920::ZRRectMatrix block(zr_examples::kChunkRows, shape.Columns(), true);
+  std::vector<double> codes(zr_examples::kChunkRows);
+  ZRMath_920::ZRMeansXProducts summary(nVars, true, true, false);
+  std::vector<PackedStats> stats(nVars);
+  bool ok = true;
+  for (long long c = rank; c < shape.Chunks(); c += size) {
+    const int rows = shape.Rows(c);
+    zr_examples::GenerateChunk(shape, c, rows, source, block, codes);
+    for (int r = 0; r < rows; ++r) {
+      const double w = block.GetElem(r, p + 1);
+      for (int k = 0; k < nVars; ++k) stats[k].Update(block.GetElem(r, k), w, 1.0);
+    }
+    ok = summary.Update(block, rows) && ok;
+  }
+  std::vector<std::string> used;
+  for (int j = 1; j <= p; ++j) used.push_back("x" + std::to_string(j));
+  used.push_back("y");
+  used.push_back("weight");
+  const std::vector<double> all = GatherSummaries(rank, size, summary, stats);
+  int okAll = ok ? 1 : 0;
+  MPI_Allreduce(MPI_IN_PLACE, &okAll, 1, MPI_INT, MPI_MIN, MPI_COMM_WORLD);
+  if (rank != 0) return 0;
+  if (okAll == 0) {
+    std::fprintf(stderr, "a rank's summary failed\n");
+    return 1;
+  }
+  return Finish(all, size, nVars, used, pmmlPath, start, shape.cases);
+}
+
+// The data set's stripe of this rank, summarised, then joined and fitted on rank 0. Returns
+// 2 on every rank, having gathered nothing, when the arguments or the file are unusable.
+int RunCsv(int rank, int size, int argc, char ** argv, double start) {
   std::vector<std::string> names;
   std::vector<std::vector<std::string>> records;
   if (argc != 3 || !ReadCsv(argv[1], names, records)) {
-    if (rank == 0) std::fprintf(stderr, "usage: mpirun -np N zr_mpi data.csv model.pmml\n");
-    MPI_Finalize();
+    if (rank == 0)
+      std::fprintf(stderr,
+                   "usage: mpirun -np N zr_mpi data.csv model.pmml\n"
+                   "       mpirun -np N zr_mpi --generate cases predictors [model.pmml]\n");
     return 2;
   }
   // Every rank decides the columns from the whole file, so that all agree on them.
@@ -292,16 +361,41 @@ int main(int argc, char ** argv) {
   ZRMath_920::ZRMeansXProducts summary(nVars, true, true, false);
   if (block.GetNRows() > 0) summary.Compute(block, 0);  // 0 rows would read as all rows
 
-  const int length = PackedSummary::Length(nVars) + nVars * PackedStats::kLength;
-  std::vector<double> mine(length), all;
-  PackedSummary(nVars).Pack(summary, mine.data());
-  for (int k = 0; k < nVars; ++k)
-    stats[k].Pack(&mine[PackedSummary::Length(nVars) + k * PackedStats::kLength]);
-  if (rank == 0) all.resize(static_cast<std::size_t>(length) * size);
-  MPI_Gather(mine.data(), length, MPI_DOUBLE, rank == 0 ? all.data() : nullptr, length, MPI_DOUBLE,
-             0, MPI_COMM_WORLD);
+  const std::vector<double> all = GatherSummaries(rank, size, summary, stats);
+  return rank == 0 ? Finish(all, size, nVars, used, argv[2], start, 0) : 0;
+}
+
+}  // namespace
+
+int main(int argc, char ** argv) {
+  MPI_Init(&argc, &argv);
+  const double start = MPI_Wtime();
+  int rank = 0, size = 1;
+  MPI_Comm_rank(MPI_COMM_WORLD, &rank);
+  MPI_Comm_size(MPI_COMM_WORLD, &size);
   int status = 0;
-  if (rank == 0) status = Finish(all, size, nVars, used, argv[2]);
+  if (argc >= 2 && std::string(argv[1]) == "--generate") {
+    zr_examples::Shape shape{0, 0};
+    long long predictors = 0;
+    if ((argc != 4 && argc != 5) || !ParseCount(argv[2], shape.cases) ||
+        !ParseCount(argv[3], predictors) || predictors < zr_examples::kIndicators + 1 ||
+        predictors > 2000) {
+      if (rank == 0)
+        std::fprintf(stderr,
+                     "usage: mpirun -np N zr_mpi --generate cases predictors [model.pmml]   "
+                     "(predictors 4 to 2000)\n");
+      MPI_Finalize();
+      return 2;
+    }
+    shape.predictors = static_cast<int>(predictors);
+    status = RunGenerated(rank, size, shape, argc == 5 ? argv[4] : "", start);
+  } else {
+    status = RunCsv(rank, size, argc, argv, start);
+    if (status == 2) {
+      MPI_Finalize();
+      return 2;
+    }
+  }
   MPI_Bcast(&status, 1, MPI_INT, 0, MPI_COMM_WORLD);
   MPI_Finalize();
   return status;

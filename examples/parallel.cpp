@@ -17,7 +17,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -25,6 +24,7 @@
 #include <thread>
 #include <vector>
 
+#include "generated_cases.h"
 #include "zrcommon920r/zrcommon920r.h"
 
 namespace {
@@ -38,20 +38,12 @@ using ZRMath_920::ZRRandomTwister;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 
-constexpr int kChunkRows = 2048;      // a chunk's block stays in the second-level cache
-constexpr std::uint32_t kSeed = 920;  // chunk c is drawn from seed kSeed + c
-constexpr int kIndicators = 3;        // columns of the four-category field
-constexpr double kBound = 1e-12;      // largest difference accepted against one thread
+using zr_examples::GenerateChunk;
+using zr_examples::kChunkRows;
+using zr_examples::kIndicators;
+using zr_examples::Shape;
 
-// The shape of the generated data set.
-struct Shape {
-  long long cases;
-  int predictors;
-  long long Chunks() const { return (cases + kChunkRows - 1) / kChunkRows; }
-  // Design columns, the response, then the frequency weight.
-  int Columns() const { return predictors + 2; }
-  int Continuous() const { return predictors - kIndicators; }
-};
+constexpr double kBound = 1e-12;  // largest difference accepted against one thread
 
 // What one worker gathers over its chunks.
 struct Partial {
@@ -61,30 +53,6 @@ struct Partial {
   bool ok = true;
 };
 
-// Fills the first rows of block with chunk c: a category in 0..3 as indicators of 1..3,
-// continuous predictors about 10 j sharing a common part, a response linear in all of them
-// plus noise, and a whole-number weight 1..3. The category goes to codes[r].
-void GenerateChunk(const Shape & shape, long long c, int rows, ZRRandomTwister & source,
-                   ZRRectMatrix & block, std::vector<double> & codes) {
-  source.Initialize(kSeed + static_cast<std::uint32_t>(c));
-  const int p = shape.predictors;
-  for (int r = 0; r < rows; ++r) {
-    const std::uint32_t word = source.GetInteger32();
-    const int category = static_cast<int>(word % 4u);
-    const double common = source.GetRealClosedOpen() - 0.5;
-    double y = 2.0 + 0.75 * category;
-    for (int j = 0; j < kIndicators; ++j) block.SetElem(r, j, category == j + 1 ? 1.0 : 0.0);
-    for (int j = kIndicators; j < p; ++j) {
-      const double x = 10.0 * j + (source.GetRealClosedOpen() - 0.5) + 0.3 * common;
-      block.SetElem(r, j, x);
-      y += (j % 3 == 0 ? 0.5 : -0.2) * x;
-    }
-    block.SetElem(r, p, y + source.GetRealClosedOpen() - 0.5);
-    block.SetElem(r, p + 1, 1.0 + static_cast<double>((word >> 8) % 3u));
-    codes[r] = category;
-  }
-}
-
 // Worker t of n: its chunks into out. Allocates its block once.
 void Work(const Shape & shape, int t, int n, Partial & out) {
   ZRRandomTwister source;
@@ -92,8 +60,7 @@ void Work(const Shape & shape, int t, int n, Partial & out) {
   std::vector<double> codes(kChunkRows);
   const int p = shape.predictors;
   for (long long c = t; c < shape.Chunks(); c += n) {
-    const int rows =
-        static_cast<int>(std::min<long long>(kChunkRows, shape.cases - c * kChunkRows));
+    const int rows = shape.Rows(c);
     GenerateChunk(shape, c, rows, source, block, codes);
     for (int r = 0; r < rows; ++r) {
       const double w = block.GetElem(r, p + 1);
