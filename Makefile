@@ -26,7 +26,7 @@ endef
 TEST_PACKAGES  = libgtest-dev liblapack-dev libblas-dev libxml2-dev libxml2-utils locales python3 \
                  libopenmpi-dev openmpi-bin
 BENCH_PACKAGES = libbenchmark-dev liblapack-dev libblas-dev r-mathlib libboost-dev libtinyxml2-dev \
-                 libgsl-dev libopenblas0-pthread
+                 libgsl-dev libopenblas0-pthread libopenmpi-dev openmpi-bin
 FUZZ_PACKAGES  = clang libclang-rt-14-dev libgtest-dev locales
 
 test: check-tools

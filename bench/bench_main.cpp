@@ -6,7 +6,8 @@
 // GFLOP/s each side reaches, from the flops per iteration a benchmark states in its
 // "flops" counter; works with other references get one table per set of them, in CPU
 // nanoseconds per call, with this library's time over the fastest reference's. The header
-// names the files (or version) each reference came from.
+// names the files (or version) each reference came from. The MPI build's scaling, which has
+// no reference, closes the report as a table of its own.
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 #include <boost/version.hpp>
@@ -51,6 +52,10 @@ class RatioReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run> & runs) override {
     for (const Run & run : runs) {
+      if (run.run_type == Run::RT_Iteration && run.benchmark_name().rfind(kMpiWork, 0) == 0) {
+        fMpiRun = run;
+        fMpiSeen = true;
+      }
       if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
       const std::string name = run.benchmark_name();
       const std::size_t sideAt = name.find('/');
@@ -84,6 +89,26 @@ class RatioReporter : public benchmark::ConsoleReporter {
         fSides.push_back(side);
     }
     ConsoleReporter::ReportRuns(runs);
+  }
+
+  // The MPI build's figures as a table, or the one line that says why there are none;
+  // nothing when its benchmark did not run.
+  void PrintMpiScaling() const {
+    if (!fMpiSeen) return;
+    if (fMpiRun.error_occurred) {
+      std::printf("\nMPI build: skipped (%s)\n", fMpiRun.error_message.c_str());
+      return;
+    }
+    std::printf("\nMPI build: %s\n%6s %14s %9s %11s\n", kMpiWork, "ranks", "cases/s", "speed-up",
+                "efficiency");
+    for (const char * ranks : {"1", "2", "4"}) {
+      const std::string n = ranks;
+      const auto rate = fMpiRun.counters.find("cases_per_s_R" + n);
+      if (rate == fMpiRun.counters.end()) continue;
+      std::printf("%6s %14.4g %9.2f %11.2f\n", ranks, rate->second.value,
+                  fMpiRun.counters.at("speedup_R" + n).value,
+                  fMpiRun.counters.at("efficiency_R" + n).value);
+    }
   }
 
   void PrintRatios() const {
@@ -205,8 +230,12 @@ class RatioReporter : public benchmark::ConsoleReporter {
     return sides;
   }
 
+  static constexpr const char * kMpiWork = "MpiBuildScaling";
+
   std::map<std::string, Times> fWorks;
   std::vector<std::string> fOrder, fSides;
+  Run fMpiRun;
+  bool fMpiSeen = false;
 };
 
 }  // namespace
@@ -223,6 +252,7 @@ int main(int argc, char ** argv) {
   RatioReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   reporter.PrintRatios();
+  reporter.PrintMpiScaling();
   benchmark::Shutdown();
   return 0;
 }
