@@ -1,11 +1,13 @@
 // ZRSymMatrix: the sweep operator on the packed lower triangle, the many-pivot sweeps
 // built on it, and the generalised inverse through Cholesky factors (CholInverse).
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <typeinfo>
 #include <vector>
 
 #include "zrcommon920r/common/numconst.h"
+#include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace ZRMath_920 {
@@ -162,6 +164,171 @@ void UpdateBlocked(double * a, int n, int k, double m, bool negative) {
   }
 }
 
+// Pivots applied together by the many-pivot sweeps: the panel of one block holds, for
+// each accepted pivot, its row multipliers and its rescaled column, 2 n doubles each.
+constexpr int kSweepBlock = 16;
+// Below this order the triangle stays in cache between pivots, and one pass per pivot
+// measured faster than the panel's extra bookkeeping (equal at about 180).
+constexpr int kSweepBlockedFrom = 192;
+
+// The saved pivots of one block: for the q-th accepted pivot piv[q], f + q n holds the
+// multipliers f_i and c + q n the rescaled column a(i, piv[q]) of that pivot's update.
+struct SweepPanel {
+  double * f;
+  double * c;
+  int n;
+  int piv[kSweepBlock];
+  int count;
+};
+
+// Applies saved pivots q = qBeg .. count - 1, in that order, to row[jBeg .. jEnd) of row
+// i: row[j] += f_i * c_j for each, the row multiplier being that of the larger index i.
+// Four pivots share one pass; each element still adds its products one by one in
+// pivot order, so the loop vectorises across j without reassociating anything.
+void ApplySaved(const SweepPanel & p, double * row, int i, int jBeg, int jEnd, int qBeg) {
+  const std::size_t n = static_cast<std::size_t>(p.n);
+  int q = qBeg;
+  for (; q + 4 <= p.count; q += 4) {
+    const std::size_t o = static_cast<std::size_t>(q) * n;
+    const double f0 = p.f[o + i], f1 = p.f[o + n + i], f2 = p.f[o + 2 * n + i],
+                 f3 = p.f[o + 3 * n + i];
+    const double * c0 = p.c + o;
+    const double * c1 = c0 + n;
+    const double * c2 = c1 + n;
+    const double * c3 = c2 + n;
+    for (int j = jBeg; j < jEnd; ++j) {
+      double x = row[j];
+      x += f0 * c0[j];
+      x += f1 * c1[j];
+      x += f2 * c2[j];
+      x += f3 * c3[j];
+      row[j] = x;
+    }
+  }
+  for (; q < p.count; ++q) {
+    const std::size_t o = static_cast<std::size_t>(q) * n;
+    const double f0 = p.f[o + i];
+    const double * c0 = p.c + o;
+    for (int j = jBeg; j < jEnd; ++j) row[j] += f0 * c0[j];
+  }
+}
+
+// The first saved pivot after index j (count when there is none).
+int FirstSavedAfter(const SweepPanel & p, int j) {
+  int q = 0;
+  while (q < p.count && p.piv[q] <= j) ++q;
+  return q;
+}
+
+// Brings row and column k up to date with the pivots saved so far in the block [k0, k),
+// so that the pivot test and the update of k read the values a pivot-by-pivot sweep
+// would. An element (k, j) with j inside the block was last brought up to date when j
+// was pivoted, so only the pivots after j are owed to it. Diagonals are kept current as
+// each pivot is applied and are skipped here.
+void CatchUpPivotLine(double * a, const SweepPanel & p, int k0, int k) {
+  if (p.count == 0) return;
+  double * const rowK = a + RowStart(k);
+  ApplySaved(p, rowK, k, 0, k0, 0);
+  for (int j = k0; j < k; ++j) {
+    for (int q = FirstSavedAfter(p, j); q < p.count; ++q) {
+      const std::size_t o = static_cast<std::size_t>(q) * static_cast<std::size_t>(p.n);
+      rowK[j] += p.f[o + k] * p.c[o + j];
+    }
+  }
+  std::size_t at = RowStart(k + 1) + static_cast<std::size_t>(k);  // a(k + 1, k)
+  for (int i = k + 1; i < p.n; at += static_cast<std::size_t>(++i)) {
+    double x = a[at];
+    for (int q = 0; q < p.count; ++q) {
+      const std::size_t o = static_cast<std::size_t>(q) * static_cast<std::size_t>(p.n);
+      x += p.f[o + i] * p.c[o + k];
+    }
+    a[at] = x;
+  }
+}
+
+// Pivot k of a block, its row and column being current: the tests of a forward pivot,
+// then the rescaling of the pivot line (saved in the panel) and the update of every
+// other diagonal element. Returns false, with nothing changed, when the pivot is refused.
+bool PivotInBlock(double * a, int n, int k, double tol, const double * diag, ZRBitSet & set,
+                  SweepPanel & p) {
+  const std::size_t kk = RowStart(k) + static_cast<std::size_t>(k);
+  const double d = a[kk];
+  const bool forward = !set.IsIn(k);
+  if (forward && !ForwardPivotAccepted(a, n, k, d, tol, diag, set)) return false;
+  const double r = -1.0 / d;
+  const double m = std::fabs(r);
+  const bool negative = r < 0.0;
+  a[kk] = r;
+  const std::size_t o = static_cast<std::size_t>(p.count) * static_cast<std::size_t>(n);
+  double * const f = p.f + o;
+  double * const c = p.c + o;
+  double * const rowK = a + RowStart(k);
+  for (int i = 0; i < k; ++i) {
+    f[i] = Rescale(rowK[i], m, negative);
+    c[i] = rowK[i];
+  }
+  f[k] = 0.0;
+  c[k] = 0.0;
+  std::size_t at = RowStart(k + 1) + static_cast<std::size_t>(k);
+  for (int i = k + 1; i < n; at += static_cast<std::size_t>(++i)) {
+    f[i] = Rescale(a[at], m, negative);
+    c[i] = a[at];
+  }
+  std::size_t ii = 0;
+  for (int i = 0; i < n; ii += static_cast<std::size_t>(i) + 2, ++i)
+    if (i != k) a[ii] += f[i] * c[i];
+  set.Set(k, forward);
+  p.piv[p.count++] = k;
+  return true;
+}
+
+// Settles the block [k0, k1) once all its pivots were taken: every off-diagonal element
+// receives the saved pivots it is still owed, in pivot order. Elements in a pivot line
+// of the block were current when that line was pivoted, and owe only later pivots.
+void FinishBlock(double * a, const SweepPanel & p, int k0, int k1) {
+  if (p.count == 0) return;
+  const int n = p.n;
+  for (int i = 0; i < n; ++i) {
+    double * const row = a + RowStart(i);
+    if (i < k0) {
+      ApplySaved(p, row, i, 0, i, 0);
+    } else if (i < k1) {
+      ApplySaved(p, row, i, 0, i, FirstSavedAfter(p, i));
+    } else {
+      ApplySaved(p, row, i, 0, k0, 0);
+      for (int j = k0; j < k1; ++j) ApplySaved(p, row, i, j, j + 1, FirstSavedAfter(p, j));
+      ApplySaved(p, row, i, k1, i, 0);
+    }
+  }
+}
+
+// Forward sweeps of rows 0 .. count - 1 in order, several pivots to a pass over the
+// triangle, with results equal bit for bit to calling Sweep on each row in turn.
+// onPivot(k, swept, pivotBefore, pivotAfter) runs after each row, in row order. False,
+// with nothing done, for an order below kSweepBlockedFrom or when the panel could not be
+// allocated; the caller then sweeps row by row.
+template <typename OnPivot>
+bool SweepRowsBlocked(double * a, int n, int count, double tol, const double * diag, ZRBitSet & set,
+                      OnPivot onPivot) {
+  if (n < kSweepBlockedFrom) return false;
+  std::vector<double> panel;
+  const std::size_t width = static_cast<std::size_t>(n) * kSweepBlock;
+  if (!matrix_detail::ResizeNoThrow(panel, 2 * width)) return false;
+  SweepPanel p{panel.data(), panel.data() + width, n, {}, 0};
+  for (int k0 = 0; k0 < count; k0 += kSweepBlock) {
+    const int k1 = std::min(count, k0 + kSweepBlock);
+    p.count = 0;
+    for (int k = k0; k < k1; ++k) {
+      CatchUpPivotLine(a, p, k0, k);
+      const double before = a[RowStart(k) + static_cast<std::size_t>(k)];
+      const bool swept = PivotInBlock(a, n, k, tol, diag, set, p);
+      onPivot(k, swept, before, a[RowStart(k) + static_cast<std::size_t>(k)]);
+    }
+    FinishBlock(a, p, k0, k1);
+  }
+  return true;
+}
+
 // Every element of diag below 1.0 becomes 1.0, which makes the pivot test absolute for
 // rows with small variance.
 void RaiseToOne(double * diag, int n) {
@@ -250,12 +417,17 @@ bool ZRSymMatrix::SweepOnMany(int n, double tol, bool logPivot, ZRBitSet & set, 
   }
   logDet = 0.0;
   for (int k = 0; k < n; ++k) set.Set(k, false);
-  for (int k = 0; k < n; ++k) {
-    double p = 0.0;
-    if (logPivot && k < fnRows) p = fvLowerTri[RowStart(k) + static_cast<std::size_t>(k)];
-    const bool swept = Sweep(k, tol, diag, set, false);
-    if (swept && !logPivot) p = -fvLowerTri[RowStart(k) + static_cast<std::size_t>(k)];
+  const auto addLog = [&](int, bool swept, double before, double after) {
+    const double p = logPivot ? before : -after;
     if (swept && p > 0.0) logDet += std::log(p);
+  };
+  // Rows from fnRows on are refused by Sweep and add nothing.
+  const int count = std::min(n, fnRows);
+  if (SweepRowsBlocked(fvLowerTri.data(), fnRows, count, tol, diag, set, addLog)) return true;
+  for (int k = 0; k < count; ++k) {
+    const double before = fvLowerTri[RowStart(k) + static_cast<std::size_t>(k)];
+    const bool swept = Sweep(k, tol, diag, set, false);
+    addLog(k, swept, before, fvLowerTri[RowStart(k) + static_cast<std::size_t>(k)]);
   }
   return true;
 }
@@ -295,7 +467,8 @@ bool ZRSymMatrix::SweepOnAll(double tol, ZRBitSet & set, bool check, bool zeroRe
     ok = tol > 0.0 && !AnyNegative(diag, fnRows);
     if (ok) RaiseToOne(diag, fnRows);
   }
-  if (ok)
+  const auto ignore = [](int, bool, double, double) {};
+  if (ok && !SweepRowsBlocked(fvLowerTri.data(), fnRows, fnRows, tol, diag, set, ignore))
     for (int k = 0; k < fnRows; ++k) Sweep(k, tol, diag, set, false);
   // Intended: the tidying runs after a refused call too; with no row entered,
   // zeroRedundant then clears the whole matrix.
