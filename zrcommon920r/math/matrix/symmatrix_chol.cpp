@@ -51,42 +51,169 @@ inline std::size_t RowStart(int i) {
   return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2;
 }
 
+// Rows handled together by the blocked factorisation and by the inverse below.
+constexpr int kRowBlock = 4;
+
+// Elements j >= jBeg of row i of the Cholesky factor (the earlier ones and all rows
+// before i being final): L(i, j) = (a(i, j) - s) / L(j, j), s = sum_{k<j} L(i, k) L(j, k)
+// summed from 0.0 in ascending k, or 0.0 when L(j, j) is 0.0; then the pivot
+// x = a(i, i) - sum_{k<i} L(i, k)^2. Returns true, with L(i, i) = sqrt(x), when
+// x > tol diag[i]; otherwise L(i, i) becomes 0.0.
+bool FactorRowFrom(double * a, int i, int jBeg, const double * diag, double tol) {
+  double * const rowI = a + RowStart(i);
+  const double * rowJ = a + RowStart(jBeg);
+  for (int j = jBeg; j < i; rowJ += j + 1, ++j) {
+    double s = 0.0;
+    for (int k = 0; k < j; ++k) s += rowI[k] * rowJ[k];
+    const double ljj = rowJ[j];
+    rowI[j] = ljj != 0.0 ? (rowI[j] - s) / ljj : 0.0;
+  }
+  double s = 0.0;
+  for (int k = 0; k < i; ++k) s += rowI[k] * rowI[k];
+  const double x = rowI[i] - s;
+  // Strict: a pivot equal to tol x diag[i] is redundant.
+  if (x > tol * diag[i]) {
+    rowI[i] = std::sqrt(x);
+    return true;
+  }
+  rowI[i] = 0.0;
+  return false;
+}
+
+// Columns 0 .. i0 - 1 of the four rows i0 .. i0 + 3 of the factor, all rows before i0
+// being final. Four columns at a time, the sixteen dot products run side by side over
+// the columns before the tile, each in its own accumulator in ascending k, and are then
+// finished one column after another exactly as FactorRowFrom finishes them.
+void FactorTileRows(double * a, int i0) {
+  double * const r0 = a + RowStart(i0);
+  double * const r[kRowBlock] = {r0, r0 + (i0 + 1), r0 + (2 * i0 + 3), r0 + (3 * i0 + 6)};
+  for (int j0 = 0; j0 < i0; j0 += kRowBlock) {
+    const double * const c0 = a + RowStart(j0);
+    const double * const c[kRowBlock] = {c0, c0 + (j0 + 1), c0 + (2 * j0 + 3), c0 + (3 * j0 + 6)};
+    double s[kRowBlock][kRowBlock] = {};
+    for (int k = 0; k < j0; ++k) {
+      for (int ii = 0; ii < kRowBlock; ++ii) {
+        const double li = r[ii][k];
+        for (int jj = 0; jj < kRowBlock; ++jj) s[ii][jj] += li * c[jj][k];
+      }
+    }
+    for (int jj = 0; jj < kRowBlock; ++jj) {
+      const int j = j0 + jj;
+      const double ljj = c[jj][j];
+      for (int ii = 0; ii < kRowBlock; ++ii) {
+        double t = s[ii][jj];
+        for (int k = j0; k < j; ++k) t += r[ii][k] * c[jj][k];
+        r[ii][j] = ljj != 0.0 ? (r[ii][j] - t) / ljj : 0.0;
+      }
+    }
+  }
+}
+
 // Cholesky factor in place of the packed symmetric matrix a of order n, by rows: for
 // j < i, L(i, j) = (a(i, j) - sum_{k<j} L(i, k) L(j, k)) / L(j, j), or 0.0 when L(j, j) is
 // 0.0; then x = a(i, i) - sum_{k<i} L(i, k)^2 and L(i, i) = sqrt(x) when x > tol diag[i],
 // otherwise 0.0 (a redundant pivot, whose column below stays 0.0). Accepted pivots set
 // their bit in set and are appended to idx when these are given; with limit >= 1 the
 // factorisation stops once limit pivots were accepted. Returns the number of redundant
-// pivots met.
+// pivots met. Each sum runs from 0.0 in ascending k whatever the schedule, so the blocked
+// rows give the same bits as one row after another.
 int FactorPacked(double * a, int n, const double * diag, double tol, ZRBitSet * set,
                  std::vector<int> * idx, int limit) {
   int redundant = 0, accepted = 0;
-  std::size_t ri = 0;
-  for (int i = 0; i < n; ri += static_cast<std::size_t>(i) + 1, ++i) {
-    double * rowI = a + ri;
-    const double * rowJ = a;
-    for (int j = 0; j < i; rowJ += j + 1, ++j) {
-      double s = 0.0;
-      for (int k = 0; k < j; ++k) s += rowI[k] * rowJ[k];
-      const double ljj = rowJ[j];
-      rowI[j] = ljj != 0.0 ? (rowI[j] - s) / ljj : 0.0;
+  int i = 0;
+  // With a limit, rows after the last pivot taken must stay as they were, so no row is
+  // started before the one above it is complete.
+  if (limit < 1) {
+    for (; i + kRowBlock <= n; i += kRowBlock) {
+      FactorTileRows(a, i);
+      for (int ii = i; ii < i + kRowBlock; ++ii) {
+        if (FactorRowFrom(a, ii, i, diag, tol)) {
+          ++accepted;
+          if (set != nullptr) set->Set(ii, true);
+          if (idx != nullptr) idx->push_back(ii);
+        } else {
+          ++redundant;
+        }
+      }
     }
-    double s = 0.0;
-    for (int k = 0; k < i; ++k) s += rowI[k] * rowI[k];
-    const double x = rowI[i] - s;
-    // Strict: a pivot equal to tol x diag[i] is redundant.
-    if (x > tol * diag[i]) {
-      rowI[i] = std::sqrt(x);
+  }
+  for (; i < n; ++i) {
+    if (FactorRowFrom(a, i, 0, diag, tol)) {
       ++accepted;
       if (set != nullptr) set->Set(i, true);
       if (idx != nullptr) idx->push_back(i);
       if (limit >= 1 && accepted >= limit) break;
     } else {
-      rowI[i] = 0.0;
       ++redundant;
     }
   }
   return redundant;
+}
+
+// Rows i0 .. i0 + rows - 1 of the inverse of the lower-triangular factor held packed in
+// a, in place, every row above them still holding L. DTRDI's column sweep, read by rows:
+// row i starts as 0.0 + L(i, j) t_i with t_i = 1 / L(i, i) on the diagonal (all 0.0
+// when L(i, i) is 0.0); then, for k = i - 1 down to 0, its element k is finished as
+// x_k (-1 / L(k, k)) and row k of L times that is added to its elements before k (with a
+// zero L(k, k), element k becomes 0.0 and nothing is added). The block's rows are taken
+// from the last up over their own columns, then together, each row of L above the block
+// being read once for all of them.
+void InvertRowBlock(double * a, int i0, int rows) {
+  double * r[kRowBlock];
+  double f[kRowBlock];
+  for (int b = 0; b < rows; ++b) r[b] = a + RowStart(i0 + b);
+  for (int b = rows - 1; b >= 0; --b) {
+    const int i = i0 + b;
+    double * const rowI = r[b];
+    if (rowI[i] == 0.0) {
+      // Intended: a redundant pivot leaves its whole row and column zero in the inverse.
+      std::fill_n(rowI, i + 1, 0.0);
+    } else {
+      const double t = 1.0 / rowI[i];
+      rowI[i] = t;
+      for (int j = 0; j < i; ++j) rowI[j] = 0.0 + rowI[j] * t;
+    }
+    for (int k = i - 1; k >= i0; --k) {
+      const double * const rowK = r[k - i0];
+      if (rowK[k] == 0.0) {
+        rowI[k] = 0.0;
+        continue;
+      }
+      const double minusT = -(1.0 / rowK[k]);
+      const double fk = rowI[k] * minusT;
+      rowI[k] = fk;
+      for (int j = 0; j < k; ++j) rowI[j] += rowK[j] * fk;
+    }
+  }
+  for (int k = i0 - 1; k >= 0; --k) {
+    const double * const rowK = a + RowStart(k);
+    if (rowK[k] == 0.0) {
+      for (int b = 0; b < rows; ++b) r[b][k] = 0.0;
+      continue;
+    }
+    const double minusT = -(1.0 / rowK[k]);
+    for (int b = 0; b < rows; ++b) {
+      f[b] = r[b][k] * minusT;
+      r[b][k] = f[b];
+    }
+    if (rows == kRowBlock) {
+      double * const r0 = r[0];
+      double * const r1 = r[1];
+      double * const r2 = r[2];
+      double * const r3 = r[3];
+      const double f0 = f[0], f1 = f[1], f2 = f[2], f3 = f[3];
+      for (int j = 0; j < k; ++j) {
+        const double c = rowK[j];
+        r0[j] += c * f0;
+        r1[j] += c * f1;
+        r2[j] += c * f2;
+        r3[j] += c * f3;
+      }
+    } else {
+      for (int b = 0; b < rows; ++b)
+        for (int j = 0; j < k; ++j) r[b][j] += rowK[j] * f[b];
+    }
+  }
 }
 
 // x = L^-1 b by rows; a zero L(i, i) gives x[i] = 0.0. b and x may be the same array.
@@ -243,52 +370,68 @@ int ZRSymMatrix::LTDetInverse(double * const det, int job) {
   }
 
   if (job / 10 == 0) return zeros;
-  // Inverse of L in place, as LINPACK's DTRDI for a lower triangle: from the last column
-  // to the first, L(k, k) becomes t = 1 / L(k, k), column k below it is scaled by -t, and
-  // each earlier column j gets h x column k (from row k down), h the old L(k, j), after
-  // L(k, j) is set to 0.0. The column updates are taken row by row here (unit stride);
-  // each element receives the same single multiply-add.
-  for (int k = n - 1; k >= 0; --k) {
-    double * rowK = a + RowStart(k);
-    if (rowK[k] == 0.0) {
-      // Intended: a redundant pivot leaves its whole row and column zero in the inverse.
-      std::fill_n(rowK, k + 1, 0.0);
-      std::size_t down = RowStart(k + 1) + k;
-      for (int i = k + 1; i < n; down += static_cast<std::size_t>(i) + 1, ++i) a[down] = 0.0;
-      continue;
-    }
-    const double t = 1.0 / rowK[k];
-    rowK[k] = t;
-    const double minusT = -t;
-    double * rowI = a + RowStart(k + 1);
-    for (int i = k + 1; i < n; rowI += i + 1, ++i) {
-      const double f = rowI[k] * minusT;
-      rowI[k] = f;
-      for (int j = 0; j < k; ++j) rowI[j] += rowK[j] * f;
-    }
-    for (int j = 0; j < k; ++j) rowK[j] = 0.0 + rowK[j] * t;
-  }
+  // Inverse of L in place, as LINPACK's DTRDI for a lower triangle, in its row-oriented
+  // (delayed) form: each row of the inverse is built from the rows of L above it, which are
+  // still untouched because rows are taken from the last up. Every element receives the
+  // same operations in the same order as in the column sweep of DTRDI.
+  int i = n;
+  for (; i >= kRowBlock; i -= kRowBlock) InvertRowBlock(a, i - kRowBlock, kRowBlock);
+  if (i > 0) InvertRowBlock(a, 0, i);
   return zeros;
 }
 
 void ZRSymMatrix::LTLTransL() {
   // (L'L)(i, j) = sum over m >= i of L(m, i) L(m, j), j <= i, summed in ascending m. Row i
   // is formed in its own place from rows i .. n - 1, none of which is overwritten yet; the
-  // diagonal element, read by every term of the row, goes last.
+  // diagonal element, read by every term of the row, goes last. Rows are formed a block
+  // at a time, so that each row below the block is read once for all of them.
   const int n = std::max(fnRows, 0);
   double * const a = fvLowerTri.data();
-  for (int i = 0; i < n; ++i) {
-    double * rowI = a + RowStart(i);
-    const double lii = rowI[i];
-    for (int j = 0; j < i; ++j) rowI[j] *= lii;
-    double dsum = lii * lii;
-    const double * rowM = a + RowStart(i + 1);
-    for (int m = i + 1; m < n; rowM += m + 1, ++m) {
-      const double f = rowM[i];
-      for (int j = 0; j < i; ++j) rowI[j] += f * rowM[j];
-      dsum += f * f;
+  for (int i0 = 0; i0 < n; i0 += kRowBlock) {
+    const int rows = std::min(kRowBlock, n - i0);
+    double * r[kRowBlock];
+    double dsum[kRowBlock], f[kRowBlock];
+    for (int b = 0; b < rows; ++b) r[b] = a + RowStart(i0 + b);
+    // The block's own rows first: row i takes rows i + 1 .. i0 + rows - 1 before they
+    // are scaled in their turn.
+    for (int b = 0; b < rows; ++b) {
+      const int i = i0 + b;
+      const double lii = r[b][i];
+      for (int j = 0; j < i; ++j) r[b][j] *= lii;
+      dsum[b] = lii * lii;
+      for (int bm = b + 1; bm < rows; ++bm) {
+        const double fm = r[bm][i];
+        for (int j = 0; j < i; ++j) r[b][j] += fm * r[bm][j];
+        dsum[b] += fm * fm;
+      }
     }
-    rowI[i] = dsum;
+    const double * rowM = a + RowStart(i0 + rows);
+    for (int m = i0 + rows; m < n; rowM += m + 1, ++m) {
+      for (int b = 0; b < rows; ++b) {
+        f[b] = rowM[i0 + b];
+        dsum[b] += f[b] * f[b];
+      }
+      if (rows == kRowBlock) {
+        double * const r0 = r[0];
+        double * const r1 = r[1];
+        double * const r2 = r[2];
+        double * const r3 = r[3];
+        const double f0 = f[0], f1 = f[1], f2 = f[2], f3 = f[3];
+        for (int j = 0; j < i0; ++j) {
+          const double c = rowM[j];
+          r0[j] += f0 * c;
+          r1[j] += f1 * c;
+          r2[j] += f2 * c;
+          r3[j] += f3 * c;
+        }
+        for (int b = 1; b < rows; ++b)
+          for (int j = i0; j < i0 + b; ++j) r[b][j] += f[b] * rowM[j];
+      } else {
+        for (int b = 0; b < rows; ++b)
+          for (int j = 0; j < i0 + b; ++j) r[b][j] += f[b] * rowM[j];
+      }
+    }
+    for (int b = 0; b < rows; ++b) r[b][i0 + b] = dsum[b];
   }
 }
 
