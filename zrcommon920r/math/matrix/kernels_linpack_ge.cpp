@@ -16,6 +16,52 @@ namespace {
 
 using namespace linpack_detail;
 
+// Columns factored together by Dgefa.
+constexpr int kGeBlock = 4;
+
+// Elimination step k of Dgefa (pivot row l) applied to the count columns from j on:
+// rows l and k swap, then, unless the multiplier t (the new a(k, j)) is 0.0, rows
+// k + 1 .. n get t times column k, as Daxpy adds it. Nothing when step k met a zero pivot,
+// which left u(k, k) == 0.0 (a nonzero pivot is swapped into place, so u(k, k) != 0.0
+// tells the two apart). Four columns with nonzero multipliers share one pass over column k.
+void ApplyGeStep(double * a, int lda, int n, int k, int l, int j, int count) {
+  const double * const ak = At(a, lda, 1, k);
+  if (ak[k - 1] == 0.0 || count < 1) return;
+  double * cols[kGeBlock];
+  double t[kGeBlock];
+  bool allNonzero = count == kGeBlock;
+  for (int c = 0; c < count; ++c) {
+    double * const aj = At(a, lda, 1, j + c);
+    t[c] = aj[l - 1];
+    if (l != k) {
+      aj[l - 1] = aj[k - 1];
+      aj[k - 1] = t[c];
+    }
+    cols[c] = aj;
+    allNonzero = allNonzero && t[c] != 0.0;
+  }
+  if (allNonzero) {
+    double * const y0 = cols[0];
+    double * const y1 = cols[1];
+    double * const y2 = cols[2];
+    double * const y3 = cols[3];
+    const double t0 = t[0], t1 = t[1], t2 = t[2], t3 = t[3];
+    for (int i = k; i < n; ++i) {
+      const double x = ak[i];
+      y0[i] += t0 * x;
+      y1[i] += t1 * x;
+      y2[i] += t2 * x;
+      y3[i] += t3 * x;
+    }
+    return;
+  }
+  // Intended: a multiplier of 0.0 adds nothing, as in Daxpy (0.0 x Inf would be NaN, and
+  // -0.0 + 0.0 would lose the sign).
+  for (int c = 0; c < count; ++c)
+    if (t[c] != 0.0)
+      for (int i = k; i < n; ++i) cols[c][i] += t[c] * ak[i];
+}
+
 }  // namespace
 
 // --- Full storage ---------------------------------------------------------------------
@@ -29,35 +75,33 @@ using namespace linpack_detail;
 int Linpack::Dgefa(double * const a, int lda, int n, int * const ipvt) {
   // Intended: n < 1 returns 0 and touches nothing (the published tail would set ipvt(0)).
   if (n < 1) return 0;
+  // Columns are factored a block at a time in the delayed (left-looking) order: a block
+  // first receives every earlier elimination step, in step order, then eliminates within
+  // itself. Each element meets the same swaps and multiply-adds in the same order as in
+  // the published column sweep, so the factors are the same bits.
   int info = 0;
-  for (int k = 1; k <= n - 1; ++k) {
-    double * const ak = At(a, lda, 1, k);
-    const int l = Blas1::IDAMax(n - k + 1, ak + (k - 1), 1) + k - 1;
-    ipvt[k - 1] = l;
-    if (ak[l - 1] == 0.0) {  // zero pivot: this column is already triangular
-      info = k;
-      continue;
-    }
-    if (l != k) {
-      const double t = ak[l - 1];
-      ak[l - 1] = ak[k - 1];
-      ak[k - 1] = t;
-    }
-    double t = -1.0 / ak[k - 1];
-    Blas1::DScal(n - k, t, ak + k, 1);
-    // Row elimination with column indexing.
-    for (int j = k + 1; j <= n; ++j) {
-      double * const aj = At(a, lda, 1, j);
-      t = aj[l - 1];
-      if (l != k) {
-        aj[l - 1] = aj[k - 1];
-        aj[k - 1] = t;
+  for (int j0 = 1; j0 <= n; j0 += kGeBlock) {
+    const int j1 = j0 + kGeBlock - 1 < n ? j0 + kGeBlock - 1 : n;
+    for (int k = 1; k < j0; ++k) ApplyGeStep(a, lda, n, k, ipvt[k - 1], j0, j1 - j0 + 1);
+    // For k == n the step reduces to the published tail: ipvt(n) = n, info = n when
+    // u(n, n) == 0.0.
+    for (int k = j0; k <= j1; ++k) {
+      double * const ak = At(a, lda, 1, k);
+      const int l = Blas1::IDAMax(n - k + 1, ak + (k - 1), 1) + k - 1;
+      ipvt[k - 1] = l;
+      if (ak[l - 1] == 0.0) {  // zero pivot: this column is already triangular
+        info = k;
+        continue;
       }
-      Blas1::Daxpy(n - k, t, ak + k, 1, aj + k, 1);
+      if (l != k) {
+        const double t = ak[l - 1];
+        ak[l - 1] = ak[k - 1];
+        ak[k - 1] = t;
+      }
+      Blas1::DScal(n - k, -1.0 / ak[k - 1], ak + k, 1);
+      ApplyGeStep(a, lda, n, k, l, k + 1, j1 - k);
     }
   }
-  ipvt[n - 1] = n;
-  if (*At(a, lda, n, n) == 0.0) info = n;
   return info;
 }
 
