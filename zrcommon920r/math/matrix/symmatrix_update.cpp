@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace ZRMath_920 {
@@ -19,15 +20,10 @@ inline std::size_t RowStart(int i) {
 // Largest order whose packed triangle still has an int count of elements.
 constexpr int kMaxOrder = 65535;
 
-// a += w x x' on the first n rows; a zero element of x skips its row.
-void AddOuter(double * a, const double * x, int n, double w) {
-  for (int i = 0; i < n; ++i) {
-    const double xi = x[i];
-    if (xi == 0.0) continue;
-    const double wxi = w * xi;
-    double * const row = a + RowStart(i);
-    for (int j = 0; j <= i; ++j) row[j] += wxi * x[j];
-  }
+// a += w x x' on the first n rows; a zero element of x skips its row. Element (i, j) gains
+// (w x_i) x_j, on the widest vectors the processor has.
+inline void AddOuter(double * a, const double * x, int n, double w) {
+  matrix_detail::AddOuterPacked(a, x, n, w);
 }
 
 // Whether idx and val describe a sparse vector whose indices, shifted by off, ascend

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "zrcommon920r/display/display.h"
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 
 namespace ZRMath_920 {
 
@@ -17,6 +18,11 @@ int RowsUsed(const ZRRectMatrix & X, int nRows) {
   const int rows = std::max(X.GetNRows(), 0);
   return nRows < 1 ? rows : std::min(nRows, rows);
 }
+
+// Rows of X whose products the second pass of Compute adds while one tile of the matrix
+// stays in registers; their deviations from the means (at most this many times p values)
+// stay in the first-level cache for p up to about 100.
+constexpr int kProductBlock = 32;
 
 // Weight of a row: the product of its weight columns, which follow the p variables.
 inline double RowWeight(const double * row, int p, int nWeights) {
@@ -117,34 +123,21 @@ bool ZRMeansXProdData::Merge(const ZRMeansXProdData & o) {
   if (!(nNew > 0.0)) return true;
   const int p = fnVars;
   const double f = no / nNew;
-  const double * m = fvMeans.data();
-  const double * mo = o.fvMeans.data();
-  // One temporary: the new means, then their distances from this object's and from o's.
-  std::vector<double> work(3 * static_cast<std::size_t>(p));
-  double * mn = work.data();
-  double * dm = mn + p;
-  double * dmo = dm + p;
-  for (int i = 0; i < p; ++i) {
-    mn[i] = (mo[i] - m[i]) * f + m[i];
-    dm[i] = mn[i] - m[i];
-    dmo[i] = mn[i] - mo[i];
-  }
-  // o may be this object: each element of o is read before the same element is written.
   double * a = fmXProds.fvLowerTri.data();
   const double * ao = o.fmXProds.fvLowerTri.data();
-  const int count = static_cast<int>(fmXProds.fvLowerTri.size());
   if (fbIntercept) {
-    int k = 0;
-    for (int i = 0; i < p; ++i) {
-      const double ai = dm[i] * n;
-      const double bi = dmo[i] * no;
-      for (int j = 0; j <= i; ++j) a[k + j] += ((dm[j] * ai) + ao[k + j]) + (dmo[j] * bi);
-      k += i + 1;
-    }
+    // Scratch for the distances of the new means from this object's and from o's; the
+    // means are updated in place. o may be this object: the kernel reads each mean and
+    // element of o before writing the same one.
+    std::vector<double> work(2 * static_cast<std::size_t>(p));
+    matrix_detail::MergeCorrectedPacked(a, ao, fvMeans.data(), o.fvMeans.data(), work.data(),
+                                        work.data() + p, p, n, no, f);
   } else {
-    for (int k = 0; k < count; ++k) a[k] += ao[k];
+    double * m = fvMeans.data();
+    const double * mo = o.fvMeans.data();
+    for (int i = 0; i < p; ++i) m[i] = (mo[i] - m[i]) * f + m[i];
+    matrix_detail::AddPacked(a, ao, fmXProds.fvLowerTri.size());
   }
-  std::copy(mn, mn + p, fvMeans.begin());
   fdNCases = nNew;
   return true;
 }
@@ -289,31 +282,28 @@ bool ZRMeansXProducts::Compute(const ZRRectMatrix & X, int nRows) {
     sums[i] = constant ? row0[i] : sums[i] / n;
   }
 
-  // Second pass, row by row: element (i, j) gains (d_j d_i) w.
+  // Second pass over blocks of rows: element (i, j) gains (d_j d_i) w for each row in
+  // order, the kernel holding tiles of the matrix in registers across the block.
   const double * m = fvMeans.data();
   double * a = fmXProds.fvLowerTri.data();
-  for (int r = 0; r < rows; ++r) {
-    const double * x = row0 + stride * static_cast<std::size_t>(r);
-    const double * dev = x;
-    if (fbIntercept) {
-      for (int i = 0; i < p; ++i) d[i] = x[i] - m[i];
-      dev = d;
-    }
-    int k = 0;
-    if (nw != 0) {
-      const double w = RowWeight(x, p, nw);
-      for (int i = 0; i < p; ++i) {
-        const double di = dev[i];
-        for (int j = 0; j <= i; ++j) a[k + j] += (dev[j] * di) * w;
-        k += i + 1;
-      }
-    } else {
-      for (int i = 0; i < p; ++i) {
-        const double di = dev[i];
-        for (int j = 0; j <= i; ++j) a[k + j] += dev[j] * di;
-        k += i + 1;
+  const int block = std::min(rows, kProductBlock);
+  std::vector<double> weights(nw != 0 ? static_cast<std::size_t>(block) : 0);
+  if (fbIntercept) work.resize(static_cast<std::size_t>(block) * static_cast<std::size_t>(p));
+  d = work.data();
+  for (int r0 = 0; r0 < rows; r0 += block) {
+    const int nb = std::min(block, rows - r0);
+    const double * x0 = row0 + stride * static_cast<std::size_t>(r0);
+    for (int r = 0; r < nb; ++r) {
+      const double * x = x0 + stride * static_cast<std::size_t>(r);
+      if (nw != 0) weights[r] = RowWeight(x, p, nw);
+      if (fbIntercept) {
+        double * dr = d + static_cast<std::size_t>(r) * static_cast<std::size_t>(p);
+        for (int i = 0; i < p; ++i) dr[i] = x[i] - m[i];
       }
     }
+    const double * dev = fbIntercept ? d : x0;
+    const std::size_t devStride = fbIntercept ? static_cast<std::size_t>(p) : stride;
+    matrix_detail::AddProductsPacked(a, dev, devStride, nw != 0 ? weights.data() : nullptr, nb, p);
   }
   return true;
 }

@@ -1,0 +1,505 @@
+// The packed-triangle loops of packed_kernels.h in three builds: the baseline (SSE2 on
+// x86-64), AVX2 and AVX-512F, each picked per call by the active path. The wide builds use
+// separate multiplies and adds in the baseline's order (never a fused multiply-add), so
+// every element is rounded exactly as the baseline rounds it; tails are finished by
+// narrower steps, or masked lanes, doing the same operations.
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
+
+#include <cstddef>
+
+#include "zrcommon920r/math/matrix/detail/simd.h"
+
+#if ZR_SIMD_X86
+#include <immintrin.h>
+#endif
+
+namespace ZRMath_920 {
+namespace matrix_detail {
+
+namespace {
+
+// Offset of row i in a packed triangle, in size_t so that no order can overflow it.
+inline std::size_t RowStart(int i) {
+  return static_cast<std::size_t>(i) * static_cast<std::size_t>(i + 1) / 2;
+}
+
+// ---------------------------------------------------------------------------------------
+// Baseline: the loops as first written, which every wider path matches bit for bit.
+
+// a += w x x' row by row; a zero x_i skips row i.
+void AddOuterBase(double * a, const double * x, int n, double w) {
+  for (int i = 0; i < n; ++i) {
+    const double xi = x[i];
+    if (xi == 0.0) continue;
+    const double wxi = w * xi;
+    double * const row = a + RowStart(i);
+    for (int j = 0; j <= i; ++j) row[j] += wxi * x[j];
+  }
+}
+
+// a += b element by element.
+void AddBase(double * a, const double * b, std::size_t count) {
+  for (std::size_t k = 0; k < count; ++k) a[k] += b[k];
+}
+
+// The new means mn = (mo - m) f + m, stored over m, and their distances dm = mn - m and
+// dmo = mn - mo. All are found before the pass over the triangle: a vector load of dm just
+// after a scalar store into it would wait for the store to retire.
+inline void MergeMeans(double * m, const double * mo, double * dm, double * dmo, int p, double f) {
+  for (int i = 0; i < p; ++i) {
+    const double mi = m[i];
+    const double moi = mo[i];
+    const double mn = (moi - mi) * f + mi;
+    dm[i] = mn - mi;
+    dmo[i] = mn - moi;
+    m[i] = mn;
+  }
+}
+
+// The merge of MergeCorrectedPacked, one row of the triangle after another.
+void MergeCorrectedBase(double * a, const double * ao, double * m, const double * mo, double * dm,
+                        double * dmo, int p, double n, double no, double f) {
+  MergeMeans(m, mo, dm, dmo, p, f);
+  for (int i = 0; i < p; ++i) {
+    const double ai = dm[i] * n;
+    const double bi = dmo[i] * no;
+    const std::size_t k = RowStart(i);
+    for (int j = 0; j <= i; ++j) a[k + j] += ((dm[j] * ai) + ao[k + j]) + (dmo[j] * bi);
+  }
+}
+
+// a += sum of (d_r d_r') w_r, one row r of dev after another over the whole triangle.
+void AddProductsBase(double * a, const double * dev, std::size_t stride, const double * w, int rows,
+                     int p) {
+  for (int r = 0; r < rows; ++r) {
+    const double * const d = dev + stride * static_cast<std::size_t>(r);
+    std::size_t k = 0;
+    if (w != nullptr) {
+      const double wr = w[r];
+      for (int i = 0; i < p; ++i) {
+        const double di = d[i];
+        for (int j = 0; j <= i; ++j) a[k + j] += (d[j] * di) * wr;
+        k += static_cast<std::size_t>(i) + 1;
+      }
+    } else {
+      for (int i = 0; i < p; ++i) {
+        const double di = d[i];
+        for (int j = 0; j <= i; ++j) a[k + j] += d[j] * di;
+        k += static_cast<std::size_t>(i) + 1;
+      }
+    }
+  }
+}
+
+#if ZR_SIMD_X86
+
+// ---------------------------------------------------------------------------------------
+// AVX2: four lanes, then two, then one. The tails write exactly their own elements: a
+// masked store reaching into the next row would stall that row's first loads.
+
+// row[j] += s x[j] for the few elements j .. len - 1 left by a wider loop.
+__attribute__((target("avx2"))) inline void AddScaledTail(double * row, const double * x, double s,
+                                                          int j, int len) {
+  for (; j + 4 <= len; j += 4) {
+    const __m256d p0 = _mm256_mul_pd(_mm256_set1_pd(s), _mm256_loadu_pd(x + j));
+    _mm256_storeu_pd(row + j, _mm256_add_pd(_mm256_loadu_pd(row + j), p0));
+  }
+  if (j + 2 <= len) {
+    const __m128d p0 = _mm_mul_pd(_mm_set1_pd(s), _mm_loadu_pd(x + j));
+    _mm_storeu_pd(row + j, _mm_add_pd(_mm_loadu_pd(row + j), p0));
+    j += 2;
+  }
+  if (j < len) row[j] += s * x[j];
+}
+
+// The merge's row[j] += ((dm[j] ai) + rowo[j]) + (dmo[j] bi) for the few elements
+// j .. len - 1 left by a wider loop.
+__attribute__((target("avx2"))) inline void MergeTail(double * row, const double * rowo,
+                                                      const double * dm, const double * dmo,
+                                                      double ai, double bi, int j, int len) {
+  for (; j + 4 <= len; j += 4) {
+    const __m256d t = _mm256_add_pd(_mm256_mul_pd(_mm256_loadu_pd(dm + j), _mm256_set1_pd(ai)),
+                                    _mm256_loadu_pd(rowo + j));
+    const __m256d u = _mm256_add_pd(t, _mm256_mul_pd(_mm256_loadu_pd(dmo + j), _mm256_set1_pd(bi)));
+    _mm256_storeu_pd(row + j, _mm256_add_pd(_mm256_loadu_pd(row + j), u));
+  }
+  for (; j < len; ++j) row[j] += ((dm[j] * ai) + rowo[j]) + (dmo[j] * bi);
+}
+
+__attribute__((target("avx2"))) void AddOuterAvx2(double * a, const double * x, int n, double w) {
+  for (int i = 0; i < n; ++i) {
+    const double xi = x[i];
+    if (xi == 0.0) continue;
+    const double wxi = w * xi;
+    double * const row = a + RowStart(i);
+    const int len = i + 1;
+    const __m256d s4 = _mm256_set1_pd(wxi);
+    int j = 0;
+    for (; j + 8 <= len; j += 8) {
+      const __m256d p0 = _mm256_mul_pd(s4, _mm256_loadu_pd(x + j));
+      const __m256d p1 = _mm256_mul_pd(s4, _mm256_loadu_pd(x + j + 4));
+      _mm256_storeu_pd(row + j, _mm256_add_pd(_mm256_loadu_pd(row + j), p0));
+      _mm256_storeu_pd(row + j + 4, _mm256_add_pd(_mm256_loadu_pd(row + j + 4), p1));
+    }
+    AddScaledTail(row, x, wxi, j, len);
+  }
+}
+
+__attribute__((target("avx2"))) void AddAvx2(double * a, const double * b, std::size_t count) {
+  std::size_t k = 0;
+  for (; k + 4 <= count; k += 4)
+    _mm256_storeu_pd(a + k, _mm256_add_pd(_mm256_loadu_pd(a + k), _mm256_loadu_pd(b + k)));
+  for (; k < count; ++k) a[k] += b[k];
+}
+
+__attribute__((target("avx2"))) void MergeCorrectedAvx2(double * a, const double * ao, double * m,
+                                                        const double * mo, double * dm,
+                                                        double * dmo, int p, double n, double no,
+                                                        double f) {
+  MergeMeans(m, mo, dm, dmo, p, f);
+  for (int i = 0; i < p; ++i) {
+    const double ai = dm[i] * n;
+    const double bi = dmo[i] * no;
+    double * const row = a + RowStart(i);
+    const double * const rowo = ao + RowStart(i);
+    const int len = i + 1;
+    const __m256d a4 = _mm256_set1_pd(ai);
+    const __m256d b4 = _mm256_set1_pd(bi);
+    int j = 0;
+    for (; j + 4 <= len; j += 4) {
+      const __m256d t =
+          _mm256_add_pd(_mm256_mul_pd(_mm256_loadu_pd(dm + j), a4), _mm256_loadu_pd(rowo + j));
+      const __m256d u = _mm256_add_pd(t, _mm256_mul_pd(_mm256_loadu_pd(dmo + j), b4));
+      _mm256_storeu_pd(row + j, _mm256_add_pd(_mm256_loadu_pd(row + j), u));
+    }
+    MergeTail(row, rowo, dm, dmo, ai, bi, j, len);
+  }
+}
+
+// Tile of triangle row i: NC vectors of four from column j, held in registers
+// while every row of dev adds its product.
+template <int NC>
+__attribute__((target("avx2"))) inline void ProductTileAvx2(double * arow, const double * dev,
+                                                            std::size_t stride, const double * w,
+                                                            int rows, int i, int j) {
+  __m256d c[NC];
+  for (int t = 0; t < NC; ++t) c[t] = _mm256_loadu_pd(arow + j + 4 * t);
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    const __m256d di = _mm256_set1_pd(d[i]);
+    if (w != nullptr) {
+      const __m256d wr = _mm256_set1_pd(w[r]);
+      for (int t = 0; t < NC; ++t)
+        c[t] = _mm256_add_pd(c[t],
+                             _mm256_mul_pd(_mm256_mul_pd(_mm256_loadu_pd(d + j + 4 * t), di), wr));
+    } else {
+      for (int t = 0; t < NC; ++t)
+        c[t] = _mm256_add_pd(c[t], _mm256_mul_pd(_mm256_loadu_pd(d + j + 4 * t), di));
+    }
+  }
+  for (int t = 0; t < NC; ++t) _mm256_storeu_pd(arow + j + 4 * t, c[t]);
+}
+
+// The last NF * 4 + rem (rem < 4) elements of triangle row i from column j: NF full
+// vectors and one of rem masked lanes, summed in the same pass over the rows.
+template <int NF>
+__attribute__((target("avx2"))) inline void ProductRestAvx2(double * arow, const double * dev,
+                                                            std::size_t stride, const double * w,
+                                                            int rows, int i, int j, int rem) {
+  const __m256i lanes = _mm256_cmpgt_epi64(_mm256_set1_epi64x(rem), _mm256_setr_epi64x(0, 1, 2, 3));
+  double * const last = arow + j + 4 * NF;
+  __m256d c[NF + 1];
+  for (int t = 0; t < NF; ++t) c[t] = _mm256_loadu_pd(arow + j + 4 * t);
+  c[NF] = _mm256_maskload_pd(last, lanes);
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    const __m256d di = _mm256_set1_pd(d[i]);
+    __m256d t[NF + 1];
+    for (int u = 0; u < NF; ++u) t[u] = _mm256_mul_pd(_mm256_loadu_pd(d + j + 4 * u), di);
+    t[NF] = _mm256_mul_pd(_mm256_maskload_pd(d + j + 4 * NF, lanes), di);
+    if (w != nullptr) {
+      const __m256d wr = _mm256_set1_pd(w[r]);
+      for (int u = 0; u <= NF; ++u) t[u] = _mm256_mul_pd(t[u], wr);
+    }
+    for (int u = 0; u <= NF; ++u) c[u] = _mm256_add_pd(c[u], t[u]);
+  }
+  for (int t = 0; t < NF; ++t) _mm256_storeu_pd(arow + j + 4 * t, c[t]);
+  _mm256_maskstore_pd(last, lanes, c[NF]);
+}
+
+__attribute__((target("avx2"))) void AddProductsAvx2(double * a, const double * dev,
+                                                     std::size_t stride, const double * w, int rows,
+                                                     int p) {
+  for (int i = 0; i < p; ++i) {
+    double * const arow = a + RowStart(i);
+    const int len = i + 1;
+    int j = 0;
+    for (; j + 32 <= len; j += 32) ProductTileAvx2<8>(arow, dev, stride, w, rows, i, j);
+    if (j + 16 <= len) {
+      ProductTileAvx2<4>(arow, dev, stride, w, rows, i, j);
+      j += 16;
+    }
+    const int rest = len - j;  // below 16
+    switch (rest % 4 == 0 ? rest / 4 : 4 + rest / 4) {
+      case 1:
+        ProductTileAvx2<1>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 2:
+        ProductTileAvx2<2>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 3:
+        ProductTileAvx2<3>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 4:
+        ProductRestAvx2<0>(arow, dev, stride, w, rows, i, j, rest % 4);
+        break;
+      case 5:
+        ProductRestAvx2<1>(arow, dev, stride, w, rows, i, j, rest % 4);
+        break;
+      case 6:
+        ProductRestAvx2<2>(arow, dev, stride, w, rows, i, j, rest % 4);
+        break;
+      case 7:
+        ProductRestAvx2<3>(arow, dev, stride, w, rows, i, j, rest % 4);
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+// ---------------------------------------------------------------------------------------
+// AVX-512F: eight lanes, the tails as in AVX2 except in the block products, which mask
+// them: there the next row is not loaded until a whole block of rows has been added.
+
+// Row of the triangle: row[j] += s x[j] for j < len, eight lanes at a time.
+__attribute__((target("avx512f"))) inline void AddScaledRowAvx512(double * row, const double * x,
+                                                                  double s, int len) {
+  const __m512d s8 = _mm512_set1_pd(s);
+  int j = 0;
+  for (; j + 8 <= len; j += 8) {
+    const __m512d p0 = _mm512_mul_pd(s8, _mm512_loadu_pd(x + j));
+    _mm512_storeu_pd(row + j, _mm512_add_pd(_mm512_loadu_pd(row + j), p0));
+  }
+  AddScaledTail(row, x, s, j, len);
+}
+
+__attribute__((target("avx512f"))) void AddOuterAvx512(double * a, const double * x, int n,
+                                                       double w) {
+  int i = 0;
+  // Rows in pairs, each load of x serving both; a pair with a zero x_i goes one row at a time.
+  for (; i + 2 <= n; i += 2) {
+    double * const row0 = a + RowStart(i);
+    double * const row1 = row0 + i + 1;
+    if (x[i] == 0.0 || x[i + 1] == 0.0) {
+      if (x[i] != 0.0) AddScaledRowAvx512(row0, x, w * x[i], i + 1);
+      if (x[i + 1] != 0.0) AddScaledRowAvx512(row1, x, w * x[i + 1], i + 2);
+      continue;
+    }
+    const double s0 = w * x[i], s1 = w * x[i + 1];
+    const __m512d v0 = _mm512_set1_pd(s0), v1 = _mm512_set1_pd(s1);
+    const int len = i + 1;
+    int j = 0;
+    for (; j + 8 <= len; j += 8) {
+      const __m512d xv = _mm512_loadu_pd(x + j);
+      const __m512d p0 = _mm512_mul_pd(v0, xv);
+      const __m512d p1 = _mm512_mul_pd(v1, xv);
+      _mm512_storeu_pd(row0 + j, _mm512_add_pd(_mm512_loadu_pd(row0 + j), p0));
+      _mm512_storeu_pd(row1 + j, _mm512_add_pd(_mm512_loadu_pd(row1 + j), p1));
+    }
+    AddScaledTail(row0, x, s0, j, len);
+    AddScaledTail(row1, x, s1, j, len + 1);
+  }
+  if (i < n && x[i] != 0.0) AddScaledRowAvx512(a + RowStart(i), x, w * x[i], i + 1);
+}
+
+__attribute__((target("avx512f"))) void AddAvx512(double * a, const double * b, std::size_t count) {
+  std::size_t k = 0;
+  for (; k + 8 <= count; k += 8)
+    _mm512_storeu_pd(a + k, _mm512_add_pd(_mm512_loadu_pd(a + k), _mm512_loadu_pd(b + k)));
+  for (; k < count; ++k) a[k] += b[k];
+}
+
+__attribute__((target("avx512f"))) void MergeCorrectedAvx512(double * a, const double * ao,
+                                                             double * m, const double * mo,
+                                                             double * dm, double * dmo, int p,
+                                                             double n, double no, double f) {
+  MergeMeans(m, mo, dm, dmo, p, f);
+  for (int i = 0; i < p; ++i) {
+    const double ai = dm[i] * n;
+    const double bi = dmo[i] * no;
+    double * const row = a + RowStart(i);
+    const double * const rowo = ao + RowStart(i);
+    const int len = i + 1;
+    const __m512d a8 = _mm512_set1_pd(ai);
+    const __m512d b8 = _mm512_set1_pd(bi);
+    int j = 0;
+    for (; j + 8 <= len; j += 8) {
+      const __m512d t =
+          _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(dm + j), a8), _mm512_loadu_pd(rowo + j));
+      const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(_mm512_loadu_pd(dmo + j), b8));
+      _mm512_storeu_pd(row + j, _mm512_add_pd(_mm512_loadu_pd(row + j), u));
+    }
+    MergeTail(row, rowo, dm, dmo, ai, bi, j, len);
+  }
+}
+
+// Tile of triangle row i: NC vectors of eight from column j, held in registers
+// while every row of dev adds its product.
+template <int NC>
+__attribute__((target("avx512f"))) inline void ProductTileAvx512(double * arow, const double * dev,
+                                                                 std::size_t stride,
+                                                                 const double * w, int rows, int i,
+                                                                 int j) {
+  __m512d c[NC];
+  for (int t = 0; t < NC; ++t) c[t] = _mm512_loadu_pd(arow + j + 8 * t);
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    const __m512d di = _mm512_set1_pd(d[i]);
+    if (w != nullptr) {
+      const __m512d wr = _mm512_set1_pd(w[r]);
+      for (int t = 0; t < NC; ++t)
+        c[t] = _mm512_add_pd(c[t],
+                             _mm512_mul_pd(_mm512_mul_pd(_mm512_loadu_pd(d + j + 8 * t), di), wr));
+    } else {
+      for (int t = 0; t < NC; ++t)
+        c[t] = _mm512_add_pd(c[t], _mm512_mul_pd(_mm512_loadu_pd(d + j + 8 * t), di));
+    }
+  }
+  for (int t = 0; t < NC; ++t) _mm512_storeu_pd(arow + j + 8 * t, c[t]);
+}
+
+// The last NF * 8 + rem (rem < 8) elements of triangle row i from column j: NF full
+// vectors and one of rem masked lanes, all summed in the same pass over the rows, so that
+// a short remainder still keeps several adds in flight.
+template <int NF>
+__attribute__((target("avx512f"))) inline void ProductRestAvx512(double * arow, const double * dev,
+                                                                 std::size_t stride,
+                                                                 const double * w, int rows, int i,
+                                                                 int j, int rem) {
+  const __mmask8 lanes = static_cast<__mmask8>((1u << rem) - 1u);
+  double * const last = arow + j + 8 * NF;
+  __m512d c[NF + 1];
+  for (int t = 0; t < NF; ++t) c[t] = _mm512_loadu_pd(arow + j + 8 * t);
+  c[NF] = _mm512_maskz_loadu_pd(lanes, last);
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    const __m512d di = _mm512_set1_pd(d[i]);
+    __m512d t[NF + 1];
+    for (int u = 0; u < NF; ++u) t[u] = _mm512_mul_pd(_mm512_loadu_pd(d + j + 8 * u), di);
+    t[NF] = _mm512_mul_pd(_mm512_maskz_loadu_pd(lanes, d + j + 8 * NF), di);
+    if (w != nullptr) {
+      const __m512d wr = _mm512_set1_pd(w[r]);
+      for (int u = 0; u <= NF; ++u) t[u] = _mm512_mul_pd(t[u], wr);
+    }
+    for (int u = 0; u <= NF; ++u) c[u] = _mm512_add_pd(c[u], t[u]);
+  }
+  for (int t = 0; t < NF; ++t) _mm512_storeu_pd(arow + j + 8 * t, c[t]);
+  _mm512_mask_storeu_pd(last, lanes, c[NF]);
+}
+
+__attribute__((target("avx512f"))) void AddProductsAvx512(double * a, const double * dev,
+                                                          std::size_t stride, const double * w,
+                                                          int rows, int p) {
+  for (int i = 0; i < p; ++i) {
+    double * const arow = a + RowStart(i);
+    const int len = i + 1;
+    int j = 0;
+    for (; j + 64 <= len; j += 64) ProductTileAvx512<8>(arow, dev, stride, w, rows, i, j);
+    if (j + 32 <= len) {
+      ProductTileAvx512<4>(arow, dev, stride, w, rows, i, j);
+      j += 32;
+    }
+    const int rest = len - j;  // below 32
+    switch (rest % 8 == 0 ? rest / 8 : 4 + rest / 8) {
+      case 1:
+        ProductTileAvx512<1>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 2:
+        ProductTileAvx512<2>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 3:
+        ProductTileAvx512<3>(arow, dev, stride, w, rows, i, j);
+        break;
+      case 4:
+        ProductRestAvx512<0>(arow, dev, stride, w, rows, i, j, rest % 8);
+        break;
+      case 5:
+        ProductRestAvx512<1>(arow, dev, stride, w, rows, i, j, rest % 8);
+        break;
+      case 6:
+        ProductRestAvx512<2>(arow, dev, stride, w, rows, i, j, rest % 8);
+        break;
+      case 7:
+        ProductRestAvx512<3>(arow, dev, stride, w, rows, i, j, rest % 8);
+        break;
+      default:
+        break;
+    }
+  }
+}
+
+#endif  // ZR_SIMD_X86
+
+}  // namespace
+
+void AddOuterPacked(double * a, const double * x, int n, double w) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return AddOuterAvx512(a, x, n, w);
+    case SimdPath::kAvx2:
+      return AddOuterAvx2(a, x, n, w);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  AddOuterBase(a, x, n, w);
+}
+
+void AddPacked(double * a, const double * b, std::size_t count) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return AddAvx512(a, b, count);
+    case SimdPath::kAvx2:
+      return AddAvx2(a, b, count);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  AddBase(a, b, count);
+}
+
+void MergeCorrectedPacked(double * a, const double * ao, double * m, const double * mo, double * dm,
+                          double * dmo, int p, double n, double no, double f) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return MergeCorrectedAvx512(a, ao, m, mo, dm, dmo, p, n, no, f);
+    case SimdPath::kAvx2:
+      return MergeCorrectedAvx2(a, ao, m, mo, dm, dmo, p, n, no, f);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  MergeCorrectedBase(a, ao, m, mo, dm, dmo, p, n, no, f);
+}
+
+void AddProductsPacked(double * a, const double * dev, std::size_t stride, const double * w,
+                       int rows, int p) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return AddProductsAvx512(a, dev, stride, w, rows, p);
+    case SimdPath::kAvx2:
+      return AddProductsAvx2(a, dev, stride, w, rows, p);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  AddProductsBase(a, dev, stride, w, rows, p);
+}
+
+}  // namespace matrix_detail
+}  // namespace ZRMath_920
