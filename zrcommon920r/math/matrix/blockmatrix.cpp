@@ -749,20 +749,7 @@ int ZRSymBlockDiagMatrix::CholInverse(const std::vector<double> & diag, double t
 }
 
 bool ZRSymBlockDiagMatrix::ComputeDeterminant(double tol, double * const det) const {
-  if (fnRows < 1 || det == nullptr || !(tol >= 0.0)) return false;
-  ZRSymBlockDiagMatrix work(*this);
-  if (!work.IsValidMatrix()) return false;
-  double minPivot = 0.0;
-  if (work.LTChol(tol, minPivot, false) == -1) return false;
-  if (minPivot == 0.0) {
-    det[0] = det[1] = 0.0;
-    return true;
-  }
-  work.LTDetInverse(det, 1);
-  det[0] *= det[0];
-  det[1] *= 2.0;
-  linpack_detail::NormaliseDet(det);
-  return true;
+  return linpack_detail::CholeskyDeterminant(*this, tol, det);
 }
 
 // ---- Elementwise and row operations -----------------------------------------------------

@@ -460,20 +460,7 @@ bool ZRSymMatrix::LTInverse() {
 }
 
 bool ZRSymMatrix::ComputeDeterminant(double tol, double * const det) const {
-  if (fnRows < 1 || det == nullptr || !(tol >= 0.0)) return false;
-  ZRSymMatrix work(*this);
-  if (!work.IsValidMatrix()) return false;
-  double minPivot = 0.0;
-  if (work.LTChol(tol, minPivot, false) == -1) return false;
-  if (minPivot == 0.0) {
-    det[0] = det[1] = 0.0;
-    return true;
-  }
-  work.LTDetInverse(det, 1);
-  det[0] *= det[0];
-  det[1] *= 2.0;
-  NormaliseDet(det);
-  return true;
+  return linpack_detail::CholeskyDeterminant(*this, tol, det);
 }
 
 // ---------------------------------------------------------------------------------------

@@ -1,5 +1,6 @@
 // Small helpers shared by the LINPACK translation units: 1-based column-major addressing,
-// Fortran's dsign, and the scaling of determinants by powers of ten. Not installed.
+// Fortran's dsign, the scaling of determinants by powers of ten, and the symmetric
+// classes' determinant through their Cholesky factor. Not installed.
 #ifndef ZRCOMMON920R_MATH_MATRIX_DETAIL_LINPACK_UTIL_H
 #define ZRCOMMON920R_MATH_MATRIX_DETAIL_LINPACK_UTIL_H
 
@@ -42,6 +43,29 @@ inline bool NormaliseDet(double * const det) {
     det[0] = det[0] / kDetBase;
     det[1] = det[1] + 1.0;
   }
+  return true;
+}
+
+// The determinant of a symmetric matrix m through the Cholesky factor of a copy: false
+// for an empty m, a null det, a bad tol or a copy that cannot be made; det[0] = det[1] =
+// 0.0 when a pivot is refused; otherwise the squared product of the factor's diagonal,
+// normalised. M is a symmetric matrix class with LTChol(tol, minPivot, check) and
+// LTDetInverse(det, job).
+template <typename M>
+bool CholeskyDeterminant(const M & m, double tol, double * const det) {
+  if (m.GetNRows() < 1 || det == nullptr || !(tol >= 0.0)) return false;
+  M work(m);
+  if (!work.IsValidMatrix()) return false;
+  double minPivot = 0.0;
+  if (work.LTChol(tol, minPivot, false) == -1) return false;
+  if (minPivot == 0.0) {
+    det[0] = det[1] = 0.0;
+    return true;
+  }
+  work.LTDetInverse(det, 1);
+  det[0] *= det[0];
+  det[1] *= 2.0;
+  NormaliseDet(det);
   return true;
 }
 
