@@ -15,6 +15,7 @@
 #include "zrcommon920r/display/display.h"
 #include "zrcommon920r/math/dist/mathfun.h"
 #include "zrcommon920r/math/matrix/detail/display_rows.h"
+#include "zrcommon920r/math/matrix/detail/gemm_kernels.h"
 
 namespace ZRMath_920 {
 
@@ -29,11 +30,6 @@ using ZRCommon_920::kSysMisValue;
 
 // ColClean's tolerance is eps times this many machine epsilons.
 constexpr double kColCleanScale = 10000.0;
-
-// Blocking of the dense product: a C row segment of kProductColBlock doubles (4 KB) is
-// reused across kProductDepthBlock rows of B, whose 1 MB tile stays in the L2 cache.
-constexpr int kProductColBlock = 512;
-constexpr int kProductDepthBlock = 256;
 
 const ZRRectMatrix * AsDense(const IZRRectMatrix & m) {
   return dynamic_cast<const ZRRectMatrix *>(&m);
@@ -107,48 +103,6 @@ void VecMat(const double * a, int m, int p, const double * x, double * y) {
     const double * r = a + static_cast<std::size_t>(i) * p;
     const double xi = x[i];
     for (int j = 0; j < p; ++j) y[j] += xi * r[j];
-  }
-}
-
-// C = A B for A m x p, B p x n, C m x n, all by rows; C zeroed by the caller and apart
-// from A and B. C(i, j) receives A(i, k) B(k, j) for k ascending (i-k-j order, blocked
-// over j and k), so it equals the dot product of row i and column j summed from k = 0
-// upward in one double, to the bit: each addition is the one that dot product makes.
-void MatMat(const double * a, const double * b, double * c, int m, int p, int n) {
-  const std::size_t ldA = static_cast<std::size_t>(p), ldB = static_cast<std::size_t>(n);
-  for (int j0 = 0; j0 < n; j0 += kProductColBlock) {
-    const int nj = std::min(kProductColBlock, n - j0);
-    for (int k0 = 0; k0 < p; k0 += kProductDepthBlock) {
-      const int k1 = std::min(p, k0 + kProductDepthBlock);
-      int i = 0;
-      for (; i + 4 <= m; i += 4) {
-        double * c0 = c + i * ldB + j0;
-        double * c1 = c0 + ldB;
-        double * c2 = c1 + ldB;
-        double * c3 = c2 + ldB;
-        const double * a0 = a + i * ldA;
-        for (int k = k0; k < k1; ++k) {
-          const double f0 = a0[k], f1 = a0[ldA + k], f2 = a0[2 * ldA + k], f3 = a0[3 * ldA + k];
-          const double * bk = b + k * ldB + j0;
-          for (int j = 0; j < nj; ++j) {
-            const double bkj = bk[j];
-            c0[j] += f0 * bkj;
-            c1[j] += f1 * bkj;
-            c2[j] += f2 * bkj;
-            c3[j] += f3 * bkj;
-          }
-        }
-      }
-      for (; i < m; ++i) {
-        double * ci = c + i * ldB + j0;
-        const double * ai = a + i * ldA;
-        for (int k = k0; k < k1; ++k) {
-          const double f = ai[k];
-          const double * bk = b + k * ldB + j0;
-          for (int j = 0; j < nj; ++j) ci[j] += f * bk[j];
-        }
-      }
-    }
   }
 }
 
@@ -860,7 +814,8 @@ bool ZRRectMatrix::ComputeMatrixProduct(const IZRRectMatrix & B, IZRRectMatrix &
     return false;
   }
   if (bd != nullptr) {
-    MatMat(fvData.data(), bd->fvData.data(), dst->fvData.data(), fnRows, fnCols, n);
+    matrix_detail::MultiplyDense(fvData.data(), bd->fvData.data(), dst->fvData.data(), fnRows,
+                                 fnCols, n);
   } else {
     for (int i = 0; i < fnRows; ++i) {
       const double * row = Row(i);
