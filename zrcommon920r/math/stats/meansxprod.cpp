@@ -126,12 +126,20 @@ bool ZRMeansXProdData::Merge(const ZRMeansXProdData & o) {
   double * a = fmXProds.fvLowerTri.data();
   const double * ao = o.fmXProds.fvLowerTri.data();
   if (fbIntercept) {
-    // Scratch for the distances of the new means from this object's and from o's; the
-    // means are updated in place. o may be this object: the kernel reads each mean and
-    // element of o before writing the same one.
-    std::vector<double> work(2 * static_cast<std::size_t>(p));
-    matrix_detail::MergeCorrectedPacked(a, ao, fvMeans.data(), o.fvMeans.data(), work.data(),
-                                        work.data() + p, p, n, no, f);
+    // Scratch for the distances of the new means from this object's and from o's, on the
+    // stack for the usual orders (a heap block costs as much as a small merge); the means
+    // are updated in place. o may be this object: the kernel reads each mean and element
+    // of o before writing the same one.
+    constexpr int kStackVars = 128;
+    double stackWork[2 * kStackVars];
+    std::vector<double> heapWork;
+    double * work = stackWork;
+    if (p > kStackVars) {
+      heapWork.resize(2 * static_cast<std::size_t>(p));
+      work = heapWork.data();
+    }
+    matrix_detail::MergeCorrectedPacked(a, ao, fvMeans.data(), o.fvMeans.data(), work, work + p, p,
+                                        n, no, f);
   } else {
     double * m = fvMeans.data();
     const double * mo = o.fvMeans.data();

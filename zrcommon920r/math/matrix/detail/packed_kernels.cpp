@@ -6,6 +6,7 @@
 #include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 
 #include <cstddef>
+#include <cstdint>
 
 #include "zrcommon920r/math/matrix/detail/simd.h"
 
@@ -56,16 +57,22 @@ inline void MergeMeans(double * m, const double * mo, double * dm, double * dmo,
   }
 }
 
-// The merge of MergeCorrectedPacked, one row of the triangle after another.
-void MergeCorrectedBase(double * a, const double * ao, double * m, const double * mo, double * dm,
-                        double * dmo, int p, double n, double no, double f) {
-  MergeMeans(m, mo, dm, dmo, p, f);
+// The merge's pass over the p-row triangle, one element after another.
+inline void MergeRows(double * a, const double * ao, const double * dm, const double * dmo, int p,
+                      double n, double no) {
   for (int i = 0; i < p; ++i) {
     const double ai = dm[i] * n;
     const double bi = dmo[i] * no;
     const std::size_t k = RowStart(i);
     for (int j = 0; j <= i; ++j) a[k + j] += ((dm[j] * ai) + ao[k + j]) + (dmo[j] * bi);
   }
+}
+
+// The merge of MergeCorrectedPacked, one row of the triangle after another.
+void MergeCorrectedBase(double * a, const double * ao, double * m, const double * mo, double * dm,
+                        double * dmo, int p, double n, double no, double f) {
+  MergeMeans(m, mo, dm, dmo, p, f);
+  MergeRows(a, ao, dm, dmo, p, n, no);
 }
 
 // a += sum of (d_r d_r') w_r, one row r of dev after another over the whole triangle.
@@ -320,27 +327,107 @@ __attribute__((target("avx512f"))) void AddAvx512(double * a, const double * b, 
   for (; k < count; ++k) a[k] += b[k];
 }
 
+// Row and column of each of the first 32 elements of a packed triangle.
+alignas(64) constexpr std::int64_t kHeadRow[32] = {0, 1, 1, 2, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 4, 5,
+                                                   5, 5, 5, 5, 5, 6, 6, 6, 6, 6, 6, 6, 7, 7, 7, 7};
+alignas(64) constexpr std::int64_t kHeadCol[32] = {0, 0, 1, 0, 1, 2, 0, 1, 2, 3, 0, 1, 2, 3, 4, 0,
+                                                   1, 2, 3, 4, 5, 0, 1, 2, 3, 4, 5, 6, 0, 1, 2, 3};
+
+// Lane L of the result is v's lane index[L] (the all-lanes mask spares GCC's warning on
+// the unmasked form's undefined source).
+__attribute__((target("avx512f"))) inline __m512d Pick(__m512i index, __m512d v) {
+  return _mm512_mask_permutexvar_pd(v, 0xFF, index, v);
+}
+
+// The merge as one stream of vectors of eight over the whole triangle rather than row by
+// row: a vector that runs past the end of row i takes its first lanes from row i and the
+// rest from the start of row i + 1, with each lane's own dm_j, dmo_j and row factors, so
+// no row ends in a scalar tail. The first 32 elements (the rows shorter than a vector)
+// take their lanes' values by index from the first eight of dm and dmo, which p > 7 makes
+// one load each; the few elements up to the next 64-byte boundary of a are done one at a
+// time, and the stream runs from there (loads and stores that split a cache line cost
+// twice as much).
 __attribute__((target("avx512f"))) void MergeCorrectedAvx512(double * a, const double * ao,
                                                              double * m, const double * mo,
                                                              double * dm, double * dmo, int p,
                                                              double n, double no, double f) {
   MergeMeans(m, mo, dm, dmo, p, f);
-  for (int i = 0; i < p; ++i) {
-    const double ai = dm[i] * n;
-    const double bi = dmo[i] * no;
-    double * const row = a + RowStart(i);
-    const double * const rowo = ao + RowStart(i);
-    const int len = i + 1;
-    const __m512d a8 = _mm512_set1_pd(ai);
-    const __m512d b8 = _mm512_set1_pd(bi);
-    int j = 0;
-    for (; j + 8 <= len; j += 8) {
-      const __m512d t =
-          _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(dm + j), a8), _mm512_loadu_pd(rowo + j));
-      const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(_mm512_loadu_pd(dmo + j), b8));
-      _mm512_storeu_pd(row + j, _mm512_add_pd(_mm512_loadu_pd(row + j), u));
+  if (p < 8) {
+    MergeRows(a, ao, dm, dmo, p, n, no);
+    return;
+  }
+  const __m512d dmHead = _mm512_loadu_pd(dm), dmoHead = _mm512_loadu_pd(dmo);
+  // Elements 0 .. 31 (rows 0 .. 6 and four of row 7) as four vectors whose lanes pick
+  // their dm_j, dmo_j and row factors from the first eight by index.
+  for (int v = 0; v < 4; ++v) {
+    const __m512i rows = _mm512_loadu_si512(kHeadRow + 8 * v);
+    const __m512i cols = _mm512_loadu_si512(kHeadCol + 8 * v);
+    const __m512d av = _mm512_mul_pd(Pick(rows, dmHead), _mm512_set1_pd(n));
+    const __m512d bv = _mm512_mul_pd(Pick(rows, dmoHead), _mm512_set1_pd(no));
+    const __m512d t =
+        _mm512_add_pd(_mm512_mul_pd(Pick(cols, dmHead), av), _mm512_loadu_pd(ao + 8 * v));
+    const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(Pick(cols, dmoHead), bv));
+    _mm512_storeu_pd(a + 8 * v, _mm512_add_pd(_mm512_loadu_pd(a + 8 * v), u));
+  }
+  int i = 7, j = 4;
+  std::size_t k = 32;
+  double ai = dm[i] * n, bi = dmo[i] * no;
+  const std::uintptr_t at = reinterpret_cast<std::uintptr_t>(a + k);
+  const int peel = at % sizeof(double) != 0 ? 0 : static_cast<int>((64 - at % 64) % 64 / 8);
+  for (int q = 0; q < peel; ++q, ++k) {
+    a[k] += ((dm[j] * ai) + ao[k]) + (dmo[j] * bi);
+    if (++j > i) {
+      if (++i == p) return;
+      j = 0;
+      ai = dm[i] * n;
+      bi = dmo[i] * no;
     }
-    MergeTail(row, rowo, dm, dmo, ai, bi, j, len);
+  }
+  const __m512i iota = _mm512_set_epi64(7, 6, 5, 4, 3, 2, 1, 0);
+  __m512d a8 = _mm512_set1_pd(ai), b8 = _mm512_set1_pd(bi);
+  for (;;) {
+    const int len = i + 1;
+    for (; j + 8 <= len; j += 8, k += 8) {
+      const __m512d t =
+          _mm512_add_pd(_mm512_mul_pd(_mm512_loadu_pd(dm + j), a8), _mm512_loadu_pd(ao + k));
+      const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(_mm512_loadu_pd(dmo + j), b8));
+      _mm512_storeu_pd(a + k, _mm512_add_pd(_mm512_loadu_pd(a + k), u));
+    }
+    const int r = len - j;  // elements of row i left, fewer than eight
+    if (r == 0) {
+      if (len == p) return;
+      i = len;
+      j = 0;
+      a8 = _mm512_set1_pd(dm[i] * n);
+      b8 = _mm512_set1_pd(dmo[i] * no);
+      continue;
+    }
+    const __mmask8 lo = static_cast<__mmask8>((1u << r) - 1);
+    if (len == p) {  // the last row's end: only its own lanes are read and written
+      const __m512d t = _mm512_add_pd(_mm512_mul_pd(_mm512_maskz_loadu_pd(lo, dm + j), a8),
+                                      _mm512_maskz_loadu_pd(lo, ao + k));
+      const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(_mm512_maskz_loadu_pd(lo, dmo + j), b8));
+      _mm512_mask_storeu_pd(a + k, lo, _mm512_add_pd(_mm512_maskz_loadu_pd(lo, a + k), u));
+      return;
+    }
+    // Lanes r .. 7 are row i + 1, columns 0 .. 7 - r: lane L takes dm[L - r] from the
+    // first eight.
+    const __m512i from = _mm512_sub_epi64(iota, _mm512_set1_epi64(r));
+    const __m512d an = _mm512_set1_pd(dm[len] * n), bn = _mm512_set1_pd(dmo[len] * no);
+    const __mmask8 hi = static_cast<__mmask8>(~lo);
+    const __m512d dmv =
+        _mm512_mask_permutexvar_pd(_mm512_maskz_loadu_pd(lo, dm + j), hi, from, dmHead);
+    const __m512d dmov =
+        _mm512_mask_permutexvar_pd(_mm512_maskz_loadu_pd(lo, dmo + j), hi, from, dmoHead);
+    const __m512d t = _mm512_add_pd(_mm512_mul_pd(dmv, _mm512_mask_blend_pd(lo, an, a8)),
+                                    _mm512_loadu_pd(ao + k));
+    const __m512d u = _mm512_add_pd(t, _mm512_mul_pd(dmov, _mm512_mask_blend_pd(lo, bn, b8)));
+    _mm512_storeu_pd(a + k, _mm512_add_pd(_mm512_loadu_pd(a + k), u));
+    k += 8;
+    i = len;
+    j = 8 - r;
+    a8 = an;
+    b8 = bn;
   }
 }
 
