@@ -4,6 +4,7 @@
 // updates must not allocate.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "support/alloccount.h"
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/detail/simd.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -23,6 +25,7 @@ using ZRMath_920::ZRMeansXProdData;
 using ZRMath_920::ZRProvMeans;
 using ZRMath_920::ZRSymMatrix;
 using ZRMath_920::matrix_detail::SimdPath;
+using ZRMath_920::matrix_detail::SimdPathName;
 using Vec = std::vector<double>;
 
 // NaN with the bits the processor itself produces (0 * inf, inf - inf), so that which
@@ -205,6 +208,39 @@ TEST(ZRSimdPaths, MergeMatchesScalarBits) {
           EXPECT_TRUE(SameBits(doubled.GetMeans(), selfM));
           EXPECT_TRUE(SameBits(Packed(doubled.GetXProds()), selfA));
         }
+      }
+    }
+  }
+}
+
+// The merge kernel on triangles at every offset from a 64-byte boundary (the wide path
+// aligns its stream on one), for orders around the first 32 elements and row ends.
+TEST(ZRSimdPaths, MergeKernelAtEveryAlignment) {
+  const std::vector<SimdPath> paths = SupportedPaths();
+  for (int p : {1, 7, 8, 9, 10, 20, 37, 130}) {
+    const std::size_t count = static_cast<std::size_t>(p) * (p + 1) / 2;
+    std::mt19937_64 gen(static_cast<std::uint64_t>(p));
+    const Vec a0 = RandomValues(gen, count, true), ao = RandomValues(gen, count, true);
+    const Vec m0 = RandomValues(gen, static_cast<std::size_t>(p), false);
+    const Vec mo = RandomValues(gen, static_cast<std::size_t>(p), false);
+    Vec wantM = m0, wantA = a0;
+    ScalarMerge(3.0, wantM, wantA, 5.0, mo, ao, true);
+    for (SimdPath path : paths) {
+      ForcedPath forced(path);
+      ASSERT_TRUE(forced.Ok());
+      for (std::size_t offset = 0; offset < 8; ++offset) {
+        SCOPED_TRACE(testing::Message()
+                     << "p = " << p << ", " << SimdPathName(path) << ", offset " << offset);
+        Vec block(count + 16), m = m0, dm(static_cast<std::size_t>(p)), dmo(dm.size());
+        double * a =
+            block.data() +
+            (64 - reinterpret_cast<std::uintptr_t>(block.data()) % 64) / sizeof(double) % 8 +
+            offset;
+        std::copy(a0.begin(), a0.end(), a);
+        ZRMath_920::matrix_detail::MergeCorrectedPacked(
+            a, ao.data(), m.data(), mo.data(), dm.data(), dmo.data(), p, 3.0, 5.0, 5.0 / 8.0);
+        EXPECT_TRUE(SameBits(Vec(a, a + count), wantA));
+        EXPECT_TRUE(SameBits(m, wantM));
       }
     }
   }
