@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/simdpaths.h"
 #include "zrcommon920r/math/bitset.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -20,6 +21,7 @@ namespace {
 using ZRMath_920::Linpack;
 using ZRMath_920::ZRBitSet;
 using ZRMath_920::ZRSymMatrix;
+using ZRMath_920::matrix_detail::SimdPath;
 using Vec = std::vector<double>;
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -260,6 +262,7 @@ std::vector<Case> Cases() {
 // ---- Sweeps -------------------------------------------------------------------------------
 
 TEST(ZRScheduleBits, SweepOnAllMatchesPivotByPivotSweep) {
+  const std::vector<SimdPath> paths = zrtest::SupportedPaths();
   std::mt19937_64 rng(20);
   for (const Case & c : Cases()) {
     for (double tol : {1e-12, 1e-6, 0.5}) {
@@ -273,12 +276,18 @@ TEST(ZRScheduleBits, SweepOnAllMatchesPivotByPivotSweep) {
       ZRBitSet wantSet(c.n);
       for (int k = 0; k < c.n; ++k) OldSweep(want, c.n, k, tol, diag, wantSet);
 
-      ZRSymMatrix s = FromPacked(a, c.n);
-      ZRBitSet set;
-      Vec d = diag;
-      ASSERT_TRUE(s.SweepOnAll(tol, set, false, false, false, d.data()));
-      EXPECT_TRUE(SameBits(Packed(s), want));
-      EXPECT_EQ(Bits(set), Bits(wantSet));
+      // Orders that take several pivots per pass run on every vector path.
+      for (SimdPath path : c.n >= 192 ? paths : std::vector<SimdPath>{SimdPath::kBaseline}) {
+        SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
+        zrtest::ForcedPath forced(path);
+        ASSERT_TRUE(forced.Ok());
+        ZRSymMatrix s = FromPacked(a, c.n);
+        ZRBitSet set;
+        Vec d = diag;
+        ASSERT_TRUE(s.SweepOnAll(tol, set, false, false, false, d.data()));
+        EXPECT_TRUE(SameBits(Packed(s), want));
+        EXPECT_EQ(Bits(set), Bits(wantSet));
+      }
     }
   }
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/alloccount.h"
+#include "support/simdpaths.h"
 #include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/detail/simd.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
@@ -46,32 +47,8 @@ std::vector<int> Orders() {
   return ps;
 }
 
-// Forces one path for a scope and returns to the detected one after.
-class ForcedPath {
- public:
-  explicit ForcedPath(SimdPath path) : fOk(ZRMath_920::matrix_detail::ForceSimdPath(path)) {}
-  ~ForcedPath() { ZRMath_920::matrix_detail::ResetSimdPath(); }
-  ForcedPath(const ForcedPath &) = delete;
-  ForcedPath & operator=(const ForcedPath &) = delete;
-  bool Ok() const { return fOk; }
-
- private:
-  bool fOk;
-};
-
-// The paths to run here; the ones this processor lacks are named in the test's output.
-std::vector<SimdPath> SupportedPaths() {
-  std::vector<SimdPath> paths;
-  for (SimdPath path : {SimdPath::kBaseline, SimdPath::kAvx2, SimdPath::kAvx512}) {
-    if (ZRMath_920::matrix_detail::SimdPathSupported(path)) {
-      paths.push_back(path);
-    } else {
-      std::printf("[  SKIPPED ] path %s: not supported by this processor or build\n",
-                  ZRMath_920::matrix_detail::SimdPathName(path));
-    }
-  }
-  return paths;
-}
+using zrtest::ForcedPath;
+using zrtest::SupportedPaths;
 
 // Mostly finite values over several magnitudes, with a sprinkling of exact zeros of both
 // signs, infinities and NaNs when special is set.
