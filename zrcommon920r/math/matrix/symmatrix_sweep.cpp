@@ -8,6 +8,7 @@
 
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
 namespace ZRMath_920 {
@@ -183,33 +184,22 @@ struct SweepPanel {
 
 // Applies saved pivots q = qBeg .. count - 1, in that order, to row[jBeg .. jEnd) of row
 // i: row[j] += f_i * c_j for each, the row multiplier being that of the larger index i.
-// Four pivots share one pass; each element still adds its products one by one in
-// pivot order, so the loop vectorises across j without reassociating anything.
+// Each element adds its products one by one in pivot order; long stretches go to the
+// vector kernel, which keeps them in registers over all the pivots.
 void ApplySaved(const SweepPanel & p, double * row, int i, int jBeg, int jEnd, int qBeg) {
   const std::size_t n = static_cast<std::size_t>(p.n);
-  int q = qBeg;
-  for (; q + 4 <= p.count; q += 4) {
-    const std::size_t o = static_cast<std::size_t>(q) * n;
-    const double f0 = p.f[o + i], f1 = p.f[o + n + i], f2 = p.f[o + 2 * n + i],
-                 f3 = p.f[o + 3 * n + i];
-    const double * c0 = p.c + o;
-    const double * c1 = c0 + n;
-    const double * c2 = c1 + n;
-    const double * c3 = c2 + n;
-    for (int j = jBeg; j < jEnd; ++j) {
-      double x = row[j];
-      x += f0 * c0[j];
-      x += f1 * c1[j];
-      x += f2 * c2[j];
-      x += f3 * c3[j];
-      row[j] = x;
-    }
+  const std::size_t o = static_cast<std::size_t>(qBeg) * n;
+  if (jEnd - jBeg >= 8) {
+    matrix_detail::AddSavedPivots(row, jBeg, jEnd, p.f + o + i, p.c + o, n, p.count - qBeg);
+    return;
   }
-  for (; q < p.count; ++q) {
-    const std::size_t o = static_cast<std::size_t>(q) * n;
-    const double f0 = p.f[o + i];
-    const double * c0 = p.c + o;
-    for (int j = jBeg; j < jEnd; ++j) row[j] += f0 * c0[j];
+  for (int j = jBeg; j < jEnd; ++j) {
+    double x = row[j];
+    for (int q = qBeg; q < p.count; ++q) {
+      const std::size_t oq = static_cast<std::size_t>(q) * n;
+      x += p.f[oq + i] * p.c[oq + j];
+    }
+    row[j] = x;
   }
 }
 
@@ -282,23 +272,46 @@ bool PivotInBlock(double * a, int n, int k, double tol, const double * diag, ZRB
   return true;
 }
 
+// Applies all saved pivots to row[jBeg .. jEnd) of the four rows i .. i + 3 together.
+void ApplySaved4(const SweepPanel & p, double * a, int i, int jBeg, int jEnd) {
+  if (jEnd <= jBeg) return;
+  double * const rows[4] = {a + RowStart(i), a + RowStart(i + 1), a + RowStart(i + 2),
+                            a + RowStart(i + 3)};
+  matrix_detail::AddSavedPivots4(rows, jBeg, jEnd, p.f + i, p.c, static_cast<std::size_t>(p.n),
+                                 p.count);
+}
+
 // Settles the block [k0, k1) once all its pivots were taken: every off-diagonal element
 // receives the saved pivots it is still owed, in pivot order. Elements in a pivot line
-// of the block were current when that line was pivoted, and owe only later pivots.
+// of the block were current when that line was pivoted, and owe only later pivots. Rows
+// outside the block go four at a time over the columns they share; each element still
+// receives its pivots in one call, in order.
 void FinishBlock(double * a, const SweepPanel & p, int k0, int k1) {
   if (p.count == 0) return;
   const int n = p.n;
-  for (int i = 0; i < n; ++i) {
+  int i = 0;
+  for (; i + 4 <= k0; i += 4) {
+    ApplySaved4(p, a, i, 0, i);
+    for (int t = 1; t < 4; ++t) ApplySaved(p, a + RowStart(i + t), i + t, i, i + t, 0);
+  }
+  for (; i < k1; ++i) {
     double * const row = a + RowStart(i);
-    if (i < k0) {
-      ApplySaved(p, row, i, 0, i, 0);
-    } else if (i < k1) {
-      ApplySaved(p, row, i, 0, i, FirstSavedAfter(p, i));
-    } else {
-      ApplySaved(p, row, i, 0, k0, 0);
-      for (int j = k0; j < k1; ++j) ApplySaved(p, row, i, j, j + 1, FirstSavedAfter(p, j));
-      ApplySaved(p, row, i, k1, i, 0);
+    ApplySaved(p, row, i, 0, i, i < k0 ? 0 : FirstSavedAfter(p, i));
+  }
+  for (; i < n; ++i) {
+    const bool four = i + 4 <= n;
+    const int rows = four ? 4 : 1;
+    if (four) {
+      ApplySaved4(p, a, i, 0, k0);
+      ApplySaved4(p, a, i, k1, i);
     }
+    for (int t = 0; t < rows; ++t) {
+      double * const row = a + RowStart(i + t);
+      if (!four) ApplySaved(p, row, i + t, 0, k0, 0);
+      for (int j = k0; j < k1; ++j) ApplySaved(p, row, i + t, j, j + 1, FirstSavedAfter(p, j));
+      ApplySaved(p, row, i + t, four ? i : k1, i + t, 0);
+    }
+    i += rows - 1;
   }
 }
 

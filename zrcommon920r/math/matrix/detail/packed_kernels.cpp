@@ -98,6 +98,35 @@ void AddProductsBase(double * a, const double * dev, std::size_t stride, const d
   }
 }
 
+// The saved pivots q = 0 .. count - 1 on row[jBeg .. jEnd), four to a pass over the
+// stretch, each element adding its terms one by one in pivot order.
+void AddSavedBase(double * row, int jBeg, int jEnd, const double * f, const double * c,
+                  std::size_t s, int count) {
+  int q = 0;
+  for (; q + 4 <= count; q += 4) {
+    const std::size_t o = static_cast<std::size_t>(q) * s;
+    const double f0 = f[o], f1 = f[o + s], f2 = f[o + 2 * s], f3 = f[o + 3 * s];
+    const double * c0 = c + o;
+    const double * c1 = c0 + s;
+    const double * c2 = c1 + s;
+    const double * c3 = c2 + s;
+    for (int j = jBeg; j < jEnd; ++j) {
+      double x = row[j];
+      x += f0 * c0[j];
+      x += f1 * c1[j];
+      x += f2 * c2[j];
+      x += f3 * c3[j];
+      row[j] = x;
+    }
+  }
+  for (; q < count; ++q) {
+    const std::size_t o = static_cast<std::size_t>(q) * s;
+    const double f0 = f[o];
+    const double * c0 = c + o;
+    for (int j = jBeg; j < jEnd; ++j) row[j] += f0 * c0[j];
+  }
+}
+
 #if ZR_SIMD_X86
 
 // ---------------------------------------------------------------------------------------
@@ -181,6 +210,37 @@ __attribute__((target("avx2"))) void MergeCorrectedAvx2(double * a, const double
     }
     MergeTail(row, rowo, dm, dmo, ai, bi, j, len);
   }
+}
+
+// NR rows by NV vectors of four columns from column j through all the saved pivots, in
+// registers: each pivot's column vector serves every row of the tile.
+template <int NR, int NV>
+__attribute__((target("avx2"))) inline void SavedTileAvx2(double * const * rows, int j,
+                                                          const double * f, const double * c,
+                                                          std::size_t s, int count) {
+  __m256d x[NR][NV];
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) x[r][v] = _mm256_loadu_pd(rows[r] + j + 4 * v);
+  for (int q = 0; q < count; ++q) {
+    const std::size_t o = static_cast<std::size_t>(q) * s;
+    __m256d cv[NV];
+    for (int v = 0; v < NV; ++v) cv[v] = _mm256_loadu_pd(c + o + j + 4 * v);
+    for (int r = 0; r < NR; ++r) {
+      const __m256d fr = _mm256_set1_pd(f[o + r]);
+      for (int v = 0; v < NV; ++v) x[r][v] = _mm256_add_pd(x[r][v], _mm256_mul_pd(fr, cv[v]));
+    }
+  }
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) _mm256_storeu_pd(rows[r] + j + 4 * v, x[r][v]);
+}
+
+__attribute__((target("avx2"))) void AddSaved4Avx2(double * const * rows, int jBeg, int jEnd,
+                                                   const double * f, const double * c,
+                                                   std::size_t s, int count) {
+  int j = jBeg;
+  for (; j + 8 <= jEnd; j += 8) SavedTileAvx2<4, 2>(rows, j, f, c, s, count);
+  for (; j + 4 <= jEnd; j += 4) SavedTileAvx2<4, 1>(rows, j, f, c, s, count);
+  for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], j, jEnd, f + r, c, s, count);
 }
 
 // Tile of triangle row i: NC vectors of four from column j, held in registers
@@ -431,6 +491,36 @@ __attribute__((target("avx512f"))) void MergeCorrectedAvx512(double * a, const d
   }
 }
 
+// NR rows by NV vectors of eight columns from column j through all the saved pivots.
+template <int NR, int NV>
+__attribute__((target("avx512f"))) inline void SavedTileAvx512(double * const * rows, int j,
+                                                               const double * f, const double * c,
+                                                               std::size_t s, int count) {
+  __m512d x[NR][NV];
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) x[r][v] = _mm512_loadu_pd(rows[r] + j + 8 * v);
+  for (int q = 0; q < count; ++q) {
+    const std::size_t o = static_cast<std::size_t>(q) * s;
+    __m512d cv[NV];
+    for (int v = 0; v < NV; ++v) cv[v] = _mm512_loadu_pd(c + o + j + 8 * v);
+    for (int r = 0; r < NR; ++r) {
+      const __m512d fr = _mm512_set1_pd(f[o + r]);
+      for (int v = 0; v < NV; ++v) x[r][v] = _mm512_add_pd(x[r][v], _mm512_mul_pd(fr, cv[v]));
+    }
+  }
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) _mm512_storeu_pd(rows[r] + j + 8 * v, x[r][v]);
+}
+
+__attribute__((target("avx512f"))) void AddSaved4Avx512(double * const * rows, int jBeg, int jEnd,
+                                                        const double * f, const double * c,
+                                                        std::size_t s, int count) {
+  int j = jBeg;
+  for (; j + 32 <= jEnd; j += 32) SavedTileAvx512<4, 4>(rows, j, f, c, s, count);
+  for (; j + 8 <= jEnd; j += 8) SavedTileAvx512<4, 1>(rows, j, f, c, s, count);
+  for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], j, jEnd, f + r, c, s, count);
+}
+
 // Tile of triangle row i: NC vectors of eight from column j, held in registers
 // while every row of dev adds its product.
 template <int NC>
@@ -586,6 +676,26 @@ void AddProductsPacked(double * a, const double * dev, std::size_t stride, const
   }
 #endif
   AddProductsBase(a, dev, stride, w, rows, p);
+}
+
+void AddSavedPivots(double * row, int jBeg, int jEnd, const double * f, const double * c,
+                    std::size_t s, int count) {
+  AddSavedBase(row, jBeg, jEnd, f, c, s, count);
+}
+
+void AddSavedPivots4(double * const * rows, int jBeg, int jEnd, const double * f, const double * c,
+                     std::size_t s, int count) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return AddSaved4Avx512(rows, jBeg, jEnd, f, c, s, count);
+    case SimdPath::kAvx2:
+      return AddSaved4Avx2(rows, jBeg, jEnd, f, c, s, count);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], jBeg, jEnd, f + r, c, s, count);
 }
 
 }  // namespace matrix_detail

@@ -35,6 +35,19 @@ void MergeCorrectedPacked(double * a, const double * ao, double * m, const doubl
 void AddProductsPacked(double * a, const double * dev, std::size_t stride, const double * w,
                        int rows, int p);
 
+// row[j] += f[q s] c[q s + j] for j = jBeg .. jEnd - 1, the terms q = 0 .. count - 1
+// added to each element one by one in that order: the delayed updates of count saved
+// sweep pivots (multiplier f[q s] of this row, rescaled pivot column c + q s) applied to a
+// stretch of one row, four pivots to a pass over it.
+void AddSavedPivots(double * row, int jBeg, int jEnd, const double * f, const double * c,
+                    std::size_t s, int count);
+
+// The same for four rows at once, row r with the multipliers f[q s + r] (four consecutive
+// rows of a triangle): the wide paths hold a tile of the four rows in registers over all
+// the pivots, so that each load of a pivot column serves four rows.
+void AddSavedPivots4(double * const * rows, int jBeg, int jEnd, const double * f, const double * c,
+                     std::size_t s, int count);
+
 }  // namespace matrix_detail
 }  // namespace ZRMath_920
 
