@@ -360,6 +360,7 @@ TEST(ZRScheduleBits, CheckedSweepOnAllRaisesDiagonalFirst) {
 // ---- Cholesky factor and inverse ----------------------------------------------------
 
 TEST(ZRScheduleBits, LTCholAndInverseMatchRowByRowLoops) {
+  const std::vector<SimdPath> paths = zrtest::SupportedPaths();
   std::mt19937_64 rng(23);
   for (const Case & c : Cases()) {
     for (double tol : {1e-12, 1e-4}) {
@@ -373,15 +374,20 @@ TEST(ZRScheduleBits, LTCholAndInverseMatchRowByRowLoops) {
       ZRBitSet wantSet(c.n);
       const int wantRedundant = OldFactor(want, c.n, diag, tol, &wantSet);
 
-      ZRSymMatrix s = FromPacked(a, c.n);
-      ZRBitSet set;
-      ASSERT_EQ(s.LTChol(diag, tol, set, false), wantRedundant);
-      EXPECT_TRUE(SameBits(Packed(s), want));
-      EXPECT_EQ(Bits(set), Bits(wantSet));
-
+      const Vec factor = want;
       OldInverse(want, c.n);
-      ASSERT_TRUE(s.LTInverse());
-      EXPECT_TRUE(SameBits(Packed(s), want));
+      for (SimdPath path : paths) {
+        SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
+        zrtest::ForcedPath forced(path);
+        ASSERT_TRUE(forced.Ok());
+        ZRSymMatrix s = FromPacked(a, c.n);
+        ZRBitSet set;
+        ASSERT_EQ(s.LTChol(diag, tol, set, false), wantRedundant);
+        EXPECT_TRUE(SameBits(Packed(s), factor));
+        EXPECT_EQ(Bits(set), Bits(wantSet));
+        ASSERT_TRUE(s.LTInverse());
+        EXPECT_TRUE(SameBits(Packed(s), want));
+      }
     }
   }
 }
@@ -389,9 +395,10 @@ TEST(ZRScheduleBits, LTCholAndInverseMatchRowByRowLoops) {
 // The inverse of a factor with zero pivots, an Inf and a NaN on its diagonal, and zeros
 // within rows: the zeroed rows and columns pick up signed zeros from the later columns.
 TEST(ZRScheduleBits, InverseOfFactorWithZeroAndNonFinitePivots) {
+  const std::vector<SimdPath> paths = zrtest::SupportedPaths();
   std::mt19937_64 rng(24);
   std::uniform_real_distribution<double> u(-2.0, 2.0);
-  for (int n : {1, 4, 5, 9, 17, 64, 131}) {
+  for (int n : {1, 4, 5, 9, 17, 25, 64, 131}) {
     SCOPED_TRACE(n);
     Vec l(RowStart(n));
     for (double & x : l) x = rng() % 7 == 0 ? 0.0 : u(rng);
@@ -403,9 +410,14 @@ TEST(ZRScheduleBits, InverseOfFactorWithZeroAndNonFinitePivots) {
     }
     Vec want = l;
     OldInverse(want, n);
-    ZRSymMatrix s = FromPacked(l, n);
-    ASSERT_TRUE(s.LTInverse());
-    EXPECT_TRUE(SameBits(Packed(s), want));
+    for (SimdPath path : paths) {
+      SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
+      zrtest::ForcedPath forced(path);
+      ASSERT_TRUE(forced.Ok());
+      ZRSymMatrix s = FromPacked(l, n);
+      ASSERT_TRUE(s.LTInverse());
+      EXPECT_TRUE(SameBits(Packed(s), want));
+    }
   }
 }
 
