@@ -14,6 +14,7 @@
 #include "zrcommon920r/math/dist/mathfun.h"
 #include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/detail/nothrow_alloc.h"
+#include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
@@ -51,8 +52,12 @@ inline std::size_t RowStart(int i) {
   return static_cast<std::size_t>(i) * (static_cast<std::size_t>(i) + 1) / 2;
 }
 
-// Rows handled together by the blocked factorisation and by the inverse below.
-constexpr int kRowBlock = 4;
+// Rows handled together by the blocked factorisation (the dot-product tiles are 8 x 8).
+constexpr int kRowBlock = 8;
+// Rows handled together by the inverse of the factor and by L'L, and the other rows of L
+// whose updates they receive in one pass.
+constexpr int kInvRows = 8;
+constexpr int kInvGroup = 8;
 
 // Elements j >= jBeg of row i of the Cholesky factor (the earlier ones and all rows
 // before i being final): L(i, j) = (a(i, j) - s) / L(j, j), s = sum_{k<j} L(i, k) L(j, k)
@@ -80,32 +85,31 @@ bool FactorRowFrom(double * a, int i, int jBeg, const double * diag, double tol)
   return false;
 }
 
-// Columns 0 .. i0 - 1 of the four rows i0 .. i0 + 3 of the factor, all rows before i0
-// being final. Four columns at a time, the sixteen dot products run side by side over
-// the columns before the tile, each in its own accumulator in ascending k, and are then
-// finished one column after another exactly as FactorRowFrom finishes them.
-void FactorTileRows(double * a, int i0) {
-  double * const r0 = a + RowStart(i0);
-  double * const r[kRowBlock] = {r0, r0 + (i0 + 1), r0 + (2 * i0 + 3), r0 + (3 * i0 + 6)};
+// Columns 0 .. i0 - 1 of the eight rows i0 .. i0 + 7 of the factor, all rows before i0
+// being final. Eight columns at a time, the 64 dot products over the columns before the
+// tile run side by side, each in its own accumulator in ascending k, on the block's
+// finished columns (also held k-major in pack, 8 i0 doubles); they are then finished one
+// column after another exactly as FactorRowFrom finishes them, and the new columns are
+// packed.
+void FactorTileRows(double * a, int i0, double * pack) {
+  double * r[kRowBlock];
+  for (int b = 0; b < kRowBlock; ++b) r[b] = a + RowStart(i0 + b);
+  double s[kRowBlock * kRowBlock];
   for (int j0 = 0; j0 < i0; j0 += kRowBlock) {
-    const double * const c0 = a + RowStart(j0);
-    const double * const c[kRowBlock] = {c0, c0 + (j0 + 1), c0 + (2 * j0 + 3), c0 + (3 * j0 + 6)};
-    double s[kRowBlock][kRowBlock] = {};
-    for (int k = 0; k < j0; ++k) {
-      for (int ii = 0; ii < kRowBlock; ++ii) {
-        const double li = r[ii][k];
-        for (int jj = 0; jj < kRowBlock; ++jj) s[ii][jj] += li * c[jj][k];
-      }
-    }
+    const double * c[kRowBlock];
+    for (int b = 0; b < kRowBlock; ++b) c[b] = a + RowStart(j0 + b);
+    matrix_detail::DotTile8x8(pack, r, c, j0, s);
     for (int jj = 0; jj < kRowBlock; ++jj) {
       const int j = j0 + jj;
       const double ljj = c[jj][j];
       for (int ii = 0; ii < kRowBlock; ++ii) {
-        double t = s[ii][jj];
+        double t = s[kRowBlock * jj + ii];
         for (int k = j0; k < j; ++k) t += r[ii][k] * c[jj][k];
         r[ii][j] = ljj != 0.0 ? (r[ii][j] - t) / ljj : 0.0;
       }
     }
+    for (int k = j0; k < j0 + kRowBlock; ++k)
+      for (int ii = 0; ii < kRowBlock; ++ii) pack[kRowBlock * k + ii] = r[ii][k];
   }
 }
 
@@ -122,10 +126,13 @@ int FactorPacked(double * a, int n, const double * diag, double tol, ZRBitSet * 
   int redundant = 0, accepted = 0;
   int i = 0;
   // With a limit, rows after the last pivot taken must stay as they were, so no row is
-  // started before the one above it is complete.
-  if (limit < 1) {
+  // started before the one above it is complete. Without the tiles' scratch, the rows go
+  // one at a time, to the same bits.
+  std::vector<double> pack;
+  if (limit < 1 && n >= kRowBlock &&
+      ResizeNoThrow(pack, static_cast<std::size_t>(kRowBlock) * static_cast<std::size_t>(n))) {
     for (; i + kRowBlock <= n; i += kRowBlock) {
-      FactorTileRows(a, i);
+      FactorTileRows(a, i, pack.data());
       for (int ii = i; ii < i + kRowBlock; ++ii) {
         if (FactorRowFrom(a, ii, i, diag, tol)) {
           ++accepted;
@@ -150,17 +157,18 @@ int FactorPacked(double * a, int n, const double * diag, double tol, ZRBitSet * 
   return redundant;
 }
 
-// Rows i0 .. i0 + rows - 1 of the inverse of the lower-triangular factor held packed in
-// a, in place, every row above them still holding L. DTRDI's column sweep, read by rows:
-// row i starts as 0.0 + L(i, j) t_i with t_i = 1 / L(i, i) on the diagonal (all 0.0
-// when L(i, i) is 0.0); then, for k = i - 1 down to 0, its element k is finished as
-// x_k (-1 / L(k, k)) and row k of L times that is added to its elements before k (with a
-// zero L(k, k), element k becomes 0.0 and nothing is added). The block's rows are taken
-// from the last up over their own columns, then together, each row of L above the block
-// being read once for all of them.
+// Rows i0 .. i0 + rows - 1 (rows <= kInvRows) of the inverse of the lower-triangular
+// factor held packed in a, in place, every row above them still holding L. DTRDI's column
+// sweep, read by rows: row i starts as 0.0 + L(i, j) t_i with t_i = 1 / L(i, i) on the
+// diagonal (all 0.0 when L(i, i) is 0.0); then, for k = i - 1 down to 0, its element k is
+// finished as x_k (-1 / L(k, k)) and row k of L times that is added to its elements
+// before k (with a zero L(k, k), element k becomes 0.0 and nothing is added). The block's
+// rows are taken from the last up over their own columns, then together. The rows of L
+// above come kInvGroup at a time: their own columns k are finished first, each taking the
+// updates of the larger k of the group in order, and the elements before the group then
+// receive the whole group's updates in one pass, still in descending k.
 void InvertRowBlock(double * a, int i0, int rows) {
-  double * r[kRowBlock];
-  double f[kRowBlock];
+  double * r[kInvRows];
   for (int b = 0; b < rows; ++b) r[b] = a + RowStart(i0 + b);
   for (int b = rows - 1; b >= 0; --b) {
     const int i = i0 + b;
@@ -185,34 +193,27 @@ void InvertRowBlock(double * a, int i0, int rows) {
       for (int j = 0; j < k; ++j) rowI[j] += rowK[j] * fk;
     }
   }
-  for (int k = i0 - 1; k >= 0; --k) {
-    const double * const rowK = a + RowStart(k);
-    if (rowK[k] == 0.0) {
-      for (int b = 0; b < rows; ++b) r[b][k] = 0.0;
-      continue;
-    }
-    const double minusT = -(1.0 / rowK[k]);
-    for (int b = 0; b < rows; ++b) {
-      f[b] = r[b][k] * minusT;
-      r[b][k] = f[b];
-    }
-    if (rows == kRowBlock) {
-      double * const r0 = r[0];
-      double * const r1 = r[1];
-      double * const r2 = r[2];
-      double * const r3 = r[3];
-      const double f0 = f[0], f1 = f[1], f2 = f[2], f3 = f[3];
-      for (int j = 0; j < k; ++j) {
-        const double c = rowK[j];
-        r0[j] += c * f0;
-        r1[j] += c * f1;
-        r2[j] += c * f2;
-        r3[j] += c * f3;
+  const double * cols[kInvGroup];
+  double f[kInvRows * kInvGroup];
+  for (int kHi = i0 - 1; kHi >= 0; kHi -= kInvGroup) {
+    const int kLo = std::max(0, kHi - kInvGroup + 1);
+    int count = 0;
+    for (int k = kHi; k >= kLo; --k) {
+      const double * const rowK = a + RowStart(k);
+      if (rowK[k] == 0.0) {
+        for (int b = 0; b < rows; ++b) r[b][k] = 0.0;
+        continue;
       }
-    } else {
-      for (int b = 0; b < rows; ++b)
-        for (int j = 0; j < k; ++j) r[b][j] += rowK[j] * f[b];
+      const double minusT = -(1.0 / rowK[k]);
+      for (int b = 0; b < rows; ++b) {
+        const double fb = r[b][k] * minusT;
+        r[b][k] = fb;
+        f[kInvRows * count + b] = fb;
+        for (int j = kLo; j < k; ++j) r[b][j] += rowK[j] * fb;
+      }
+      cols[count++] = rowK;
     }
+    matrix_detail::AddRowUpdates(r, rows, kLo, cols, f, count);
   }
 }
 
@@ -375,7 +376,7 @@ int ZRSymMatrix::LTDetInverse(double * const det, int job) {
   // still untouched because rows are taken from the last up. Every element receives the
   // same operations in the same order as in the column sweep of DTRDI.
   int i = n;
-  for (; i >= kRowBlock; i -= kRowBlock) InvertRowBlock(a, i - kRowBlock, kRowBlock);
+  for (; i >= kInvRows; i -= kInvRows) InvertRowBlock(a, i - kInvRows, kInvRows);
   if (i > 0) InvertRowBlock(a, 0, i);
   return zeros;
 }
@@ -384,13 +385,14 @@ void ZRSymMatrix::LTLTransL() {
   // (L'L)(i, j) = sum over m >= i of L(m, i) L(m, j), j <= i, summed in ascending m. Row i
   // is formed in its own place from rows i .. n - 1, none of which is overwritten yet; the
   // diagonal element, read by every term of the row, goes last. Rows are formed a block
-  // at a time, so that each row below the block is read once for all of them.
+  // at a time, and the rows below the block come kInvGroup at a time, each group read in
+  // one pass for all the block's rows.
   const int n = std::max(fnRows, 0);
   double * const a = fvLowerTri.data();
-  for (int i0 = 0; i0 < n; i0 += kRowBlock) {
-    const int rows = std::min(kRowBlock, n - i0);
-    double * r[kRowBlock];
-    double dsum[kRowBlock], f[kRowBlock];
+  for (int i0 = 0; i0 < n; i0 += kInvRows) {
+    const int rows = std::min(kInvRows, n - i0);
+    double * r[kInvRows];
+    double dsum[kInvRows];
     for (int b = 0; b < rows; ++b) r[b] = a + RowStart(i0 + b);
     // The block's own rows first: row i takes rows i + 1 .. i0 + rows - 1 before they
     // are scaled in their turn.
@@ -405,31 +407,21 @@ void ZRSymMatrix::LTLTransL() {
         dsum[b] += fm * fm;
       }
     }
-    const double * rowM = a + RowStart(i0 + rows);
-    for (int m = i0 + rows; m < n; rowM += m + 1, ++m) {
-      for (int b = 0; b < rows; ++b) {
-        f[b] = rowM[i0 + b];
-        dsum[b] += f[b] * f[b];
-      }
-      if (rows == kRowBlock) {
-        double * const r0 = r[0];
-        double * const r1 = r[1];
-        double * const r2 = r[2];
-        double * const r3 = r[3];
-        const double f0 = f[0], f1 = f[1], f2 = f[2], f3 = f[3];
-        for (int j = 0; j < i0; ++j) {
-          const double c = rowM[j];
-          r0[j] += f0 * c;
-          r1[j] += f1 * c;
-          r2[j] += f2 * c;
-          r3[j] += f3 * c;
+    const double * cols[kInvGroup];
+    double f[kInvRows * kInvGroup];
+    for (int m = i0 + rows; m < n;) {
+      const int count = std::min(kInvGroup, n - m);
+      for (int q = 0; q < count; ++q, ++m) {
+        const double * const rowM = a + RowStart(m);
+        for (int b = 0; b < rows; ++b) {
+          const double fb = rowM[i0 + b];
+          f[kInvRows * q + b] = fb;
+          dsum[b] += fb * fb;
+          for (int j = i0; j < i0 + b; ++j) r[b][j] += fb * rowM[j];
         }
-        for (int b = 1; b < rows; ++b)
-          for (int j = i0; j < i0 + b; ++j) r[b][j] += f[b] * rowM[j];
-      } else {
-        for (int b = 0; b < rows; ++b)
-          for (int j = 0; j < i0 + b; ++j) r[b][j] += f[b] * rowM[j];
+        cols[q] = rowM;
       }
+      matrix_detail::AddRowUpdates(r, rows, i0, cols, f, count);
     }
     for (int b = 0; b < rows; ++b) r[b][i0 + b] = dsum[b];
   }

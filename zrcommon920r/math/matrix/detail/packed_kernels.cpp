@@ -127,6 +127,49 @@ void AddSavedBase(double * row, int jBeg, int jEnd, const double * f, const doub
   }
 }
 
+// The row updates one source row at a time, four rows to a pass over the stretch.
+void AddRowUpdatesBase(double * const * rows, int nrows, int jBeg, int jEnd,
+                       const double * const * cols, const double * f, int count) {
+  for (int q = 0; q < count; ++q) {
+    const double * const col = cols[q];
+    const double * const fq = f + 8 * q;
+    int b = 0;
+    for (; b + 4 <= nrows; b += 4) {
+      double * const r0 = rows[b];
+      double * const r1 = rows[b + 1];
+      double * const r2 = rows[b + 2];
+      double * const r3 = rows[b + 3];
+      const double f0 = fq[b], f1 = fq[b + 1], f2 = fq[b + 2], f3 = fq[b + 3];
+      for (int j = jBeg; j < jEnd; ++j) {
+        const double c = col[j];
+        r0[j] += c * f0;
+        r1[j] += c * f1;
+        r2[j] += c * f2;
+        r3[j] += c * f3;
+      }
+    }
+    for (; b < nrows; ++b)
+      for (int j = jBeg; j < jEnd; ++j) rows[b][j] += col[j] * fq[b];
+  }
+}
+
+// The 8 x 8 dot products as four 4 x 4 tiles of scalar sums, reading the rows themselves.
+void DotTileBase(const double * const * rows, const double * const * c, int kEnd, double * s) {
+  for (int rg = 0; rg < 8; rg += 4) {
+    for (int cg = 0; cg < 8; cg += 4) {
+      double acc[4][4] = {};
+      for (int k = 0; k < kEnd; ++k) {
+        for (int ii = 0; ii < 4; ++ii) {
+          const double li = rows[rg + ii][k];
+          for (int jj = 0; jj < 4; ++jj) acc[ii][jj] += li * c[cg + jj][k];
+        }
+      }
+      for (int jj = 0; jj < 4; ++jj)
+        for (int ii = 0; ii < 4; ++ii) s[8 * (cg + jj) + rg + ii] = acc[ii][jj];
+    }
+  }
+}
+
 #if ZR_SIMD_X86
 
 // ---------------------------------------------------------------------------------------
@@ -241,6 +284,58 @@ __attribute__((target("avx2"))) void AddSaved4Avx2(double * const * rows, int jB
   for (; j + 8 <= jEnd; j += 8) SavedTileAvx2<4, 2>(rows, j, f, c, s, count);
   for (; j + 4 <= jEnd; j += 4) SavedTileAvx2<4, 1>(rows, j, f, c, s, count);
   for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], j, jEnd, f + r, c, s, count);
+}
+
+// Rows b0 .. b0 + NR - 1 by NV vectors of four columns from j through all count updates.
+template <int NR, int NV>
+__attribute__((target("avx2"))) inline void RowUpdateTileAvx2(double * const * rows, int b0, int j,
+                                                              const double * const * cols,
+                                                              const double * f, int count) {
+  __m256d x[NR][NV];
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) x[r][v] = _mm256_loadu_pd(rows[b0 + r] + j + 4 * v);
+  for (int q = 0; q < count; ++q) {
+    __m256d cv[NV];
+    for (int v = 0; v < NV; ++v) cv[v] = _mm256_loadu_pd(cols[q] + j + 4 * v);
+    for (int r = 0; r < NR; ++r) {
+      const __m256d fr = _mm256_set1_pd(f[8 * q + b0 + r]);
+      for (int v = 0; v < NV; ++v) x[r][v] = _mm256_add_pd(x[r][v], _mm256_mul_pd(cv[v], fr));
+    }
+  }
+  for (int r = 0; r < NR; ++r)
+    for (int v = 0; v < NV; ++v) _mm256_storeu_pd(rows[b0 + r] + j + 4 * v, x[r][v]);
+}
+
+__attribute__((target("avx2"))) void AddRowUpdatesAvx2(double * const * rows, int jEnd,
+                                                       const double * const * cols,
+                                                       const double * f, int count) {
+  int j = 0;
+  for (; j + 8 <= jEnd; j += 8) {
+    RowUpdateTileAvx2<4, 2>(rows, 0, j, cols, f, count);
+    RowUpdateTileAvx2<4, 2>(rows, 4, j, cols, f, count);
+  }
+  AddRowUpdatesBase(rows, 8, j, jEnd, cols, f, count);
+}
+
+// The 8 x 8 dot products four columns at a time, the eight rows in two vectors.
+__attribute__((target("avx2"))) void DotTileAvx2(const double * p, const double * const * c,
+                                                 int kEnd, double * s) {
+  for (int cg = 0; cg < 8; cg += 4) {
+    __m256d acc[4][2];
+    for (int jj = 0; jj < 4; ++jj) acc[jj][0] = acc[jj][1] = _mm256_setzero_pd();
+    for (int k = 0; k < kEnd; ++k) {
+      const __m256d p0 = _mm256_loadu_pd(p + 8 * k), p1 = _mm256_loadu_pd(p + 8 * k + 4);
+      for (int jj = 0; jj < 4; ++jj) {
+        const __m256d ck = _mm256_set1_pd(c[cg + jj][k]);
+        acc[jj][0] = _mm256_add_pd(acc[jj][0], _mm256_mul_pd(p0, ck));
+        acc[jj][1] = _mm256_add_pd(acc[jj][1], _mm256_mul_pd(p1, ck));
+      }
+    }
+    for (int jj = 0; jj < 4; ++jj) {
+      _mm256_storeu_pd(s + 8 * (cg + jj), acc[jj][0]);
+      _mm256_storeu_pd(s + 8 * (cg + jj) + 4, acc[jj][1]);
+    }
+  }
 }
 
 // Tile of triangle row i: NC vectors of four from column j, held in registers
@@ -521,6 +616,48 @@ __attribute__((target("avx512f"))) void AddSaved4Avx512(double * const * rows, i
   for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], j, jEnd, f + r, c, s, count);
 }
 
+// The eight rows by NV vectors of eight columns from j through all count updates.
+template <int NV>
+__attribute__((target("avx512f"))) inline void RowUpdateTileAvx512(double * const * rows, int j,
+                                                                   const double * const * cols,
+                                                                   const double * f, int count) {
+  __m512d x[8][NV];
+  for (int r = 0; r < 8; ++r)
+    for (int v = 0; v < NV; ++v) x[r][v] = _mm512_loadu_pd(rows[r] + j + 8 * v);
+  for (int q = 0; q < count; ++q) {
+    __m512d cv[NV];
+    for (int v = 0; v < NV; ++v) cv[v] = _mm512_loadu_pd(cols[q] + j + 8 * v);
+    for (int r = 0; r < 8; ++r) {
+      const __m512d fr = _mm512_set1_pd(f[8 * q + r]);
+      for (int v = 0; v < NV; ++v) x[r][v] = _mm512_add_pd(x[r][v], _mm512_mul_pd(cv[v], fr));
+    }
+  }
+  for (int r = 0; r < 8; ++r)
+    for (int v = 0; v < NV; ++v) _mm512_storeu_pd(rows[r] + j + 8 * v, x[r][v]);
+}
+
+__attribute__((target("avx512f"))) void AddRowUpdatesAvx512(double * const * rows, int jEnd,
+                                                            const double * const * cols,
+                                                            const double * f, int count) {
+  int j = 0;
+  for (; j + 16 <= jEnd; j += 16) RowUpdateTileAvx512<2>(rows, j, cols, f, count);
+  for (; j + 8 <= jEnd; j += 8) RowUpdateTileAvx512<1>(rows, j, cols, f, count);
+  AddRowUpdatesBase(rows, 8, j, jEnd, cols, f, count);
+}
+
+// The 8 x 8 dot products with the eight rows in one vector, one sum per column.
+__attribute__((target("avx512f"))) void DotTileAvx512(const double * p, const double * const * c,
+                                                      int kEnd, double * s) {
+  __m512d acc[8];
+  for (int jj = 0; jj < 8; ++jj) acc[jj] = _mm512_setzero_pd();
+  for (int k = 0; k < kEnd; ++k) {
+    const __m512d pk = _mm512_loadu_pd(p + 8 * k);
+    for (int jj = 0; jj < 8; ++jj)
+      acc[jj] = _mm512_add_pd(acc[jj], _mm512_mul_pd(pk, _mm512_set1_pd(c[jj][k])));
+  }
+  for (int jj = 0; jj < 8; ++jj) _mm512_storeu_pd(s + 8 * jj, acc[jj]);
+}
+
 // Tile of triangle row i: NC vectors of eight from column j, held in registers
 // while every row of dev adds its product.
 template <int NC>
@@ -696,6 +833,38 @@ void AddSavedPivots4(double * const * rows, int jBeg, int jEnd, const double * f
   }
 #endif
   for (int r = 0; r < 4; ++r) AddSavedBase(rows[r], jBeg, jEnd, f + r, c, s, count);
+}
+
+void AddRowUpdates(double * const * rows, int nrows, int jEnd, const double * const * cols,
+                   const double * f, int count) {
+#if ZR_SIMD_X86
+  if (nrows == 8) {
+    switch (ActiveSimdPath()) {
+      case SimdPath::kAvx512:
+        return AddRowUpdatesAvx512(rows, jEnd, cols, f, count);
+      case SimdPath::kAvx2:
+        return AddRowUpdatesAvx2(rows, jEnd, cols, f, count);
+      case SimdPath::kBaseline:
+        break;
+    }
+  }
+#endif
+  AddRowUpdatesBase(rows, nrows, 0, jEnd, cols, f, count);
+}
+
+void DotTile8x8(const double * p, const double * const * rows, const double * const * c, int kEnd,
+                double * s) {
+#if ZR_SIMD_X86
+  switch (ActiveSimdPath()) {
+    case SimdPath::kAvx512:
+      return DotTileAvx512(p, c, kEnd, s);
+    case SimdPath::kAvx2:
+      return DotTileAvx2(p, c, kEnd, s);
+    case SimdPath::kBaseline:
+      break;
+  }
+#endif
+  DotTileBase(rows, c, kEnd, s);
 }
 
 }  // namespace matrix_detail

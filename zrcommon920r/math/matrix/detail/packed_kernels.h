@@ -48,6 +48,20 @@ void AddSavedPivots(double * row, int jBeg, int jEnd, const double * f, const do
 void AddSavedPivots4(double * const * rows, int jBeg, int jEnd, const double * f, const double * c,
                      std::size_t s, int count);
 
+// rows[b][j] += cols[q][j] f[8 q + b] for b < nrows (at most 8) and j < jEnd, the terms
+// q = 0 .. count - 1 added to each element one by one in that order: the updates that a
+// block of rows of a triangular inverse, or of L'L, receives from count other rows. The
+// wide paths hold a tile of all eight rows in registers over the count rows.
+void AddRowUpdates(double * const * rows, int nrows, int jEnd, const double * const * cols,
+                   const double * f, int count);
+
+// s[8 jj + r] = sum over k < kEnd of rows[r][k] c[jj][k], each summed from 0.0 in
+// ascending k, for r, jj < 8: the dot products of eight rows with eight others, as the
+// Cholesky factor's tiles need them. p holds the same eight rows k-major (p[8 k + r] is
+// rows[r][k]): the vector paths load it, the baseline reads the rows.
+void DotTile8x8(const double * p, const double * const * rows, const double * const * c, int kEnd,
+                double * s);
+
 }  // namespace matrix_detail
 }  // namespace ZRMath_920
 
