@@ -1,6 +1,7 @@
-// Hot loops over packed lower triangles, shared by the symmetric matrix and the
-// accumulators, each built for every instruction set of simd.h and dispatched on the
-// active path. Every path gives the bits of the baseline loop. Not installed.
+// Hot loops over packed lower triangles and their rows, shared by the symmetric matrix's
+// sweeps and Cholesky family and by the accumulators, each built for every instruction set
+// of simd.h and dispatched on the active path. Every path gives the bits of the baseline
+// loop. Not installed.
 #ifndef ZRCOMMON920R_MATH_MATRIX_DETAIL_PACKED_KERNELS_H
 #define ZRCOMMON920R_MATH_MATRIX_DETAIL_PACKED_KERNELS_H
 
