@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "zrcommon920r/math/matrix/detail/ge_kernels.h"
 #include "zrcommon920r/math/matrix/detail/linpack_util.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 
@@ -16,8 +17,13 @@ namespace {
 
 using namespace linpack_detail;
 
-// Columns factored together by Dgefa.
-constexpr int kGeBlock = 4;
+// Dgefa's schedule: blocks of kGeBlock columns receive the earlier steps kGePanel at a
+// time; within a block, panels of kGePanel columns are factored one column after another,
+// each step reaching the panel's later columns kGeStepColumns at a time.
+constexpr int kGeBlock = matrix_detail::kGeMaxColumns;
+constexpr int kGePanel = matrix_detail::kGeMaxSteps;
+constexpr int kGeStepColumns = 4;
+static_assert(kGeBlock % kGePanel == 0, "blocks hold whole panels, so step groups are whole");
 
 // Elimination step k of Dgefa (pivot row l) applied to the count columns from j on:
 // rows l and k swap, then, unless the multiplier t (the new a(k, j)) is 0.0, rows
@@ -27,9 +33,9 @@ constexpr int kGeBlock = 4;
 void ApplyGeStep(double * a, int lda, int n, int k, int l, int j, int count) {
   const double * const ak = At(a, lda, 1, k);
   if (ak[k - 1] == 0.0 || count < 1) return;
-  double * cols[kGeBlock];
-  double t[kGeBlock];
-  bool allNonzero = count == kGeBlock;
+  double * cols[kGeStepColumns];
+  double t[kGeStepColumns];
+  bool allNonzero = count == kGeStepColumns;
   for (int c = 0; c < count; ++c) {
     double * const aj = At(a, lda, 1, j + c);
     t[c] = aj[l - 1];
@@ -77,29 +83,39 @@ int Linpack::Dgefa(double * const a, int lda, int n, int * const ipvt) {
   if (n < 1) return 0;
   // Columns are factored a block at a time in the delayed (left-looking) order: a block
   // first receives every earlier elimination step, in step order, then eliminates within
-  // itself. Each element meets the same swaps and multiply-adds in the same order as in
-  // the published column sweep, so the factors are the same bits.
+  // itself, again panel by panel in the delayed order. Each element meets the same swaps
+  // and multiply-adds in the same order as in the published column sweep, so the factors
+  // are the same bits. ApplyGeSteps takes the earlier steps a group at a time: it replays
+  // a group's swaps on the few rows they touch and gives every other row the group's
+  // multiply-adds in step order, so it too changes only the order of visits.
   int info = 0;
   for (int j0 = 1; j0 <= n; j0 += kGeBlock) {
-    const int j1 = j0 + kGeBlock - 1 < n ? j0 + kGeBlock - 1 : n;
-    for (int k = 1; k < j0; ++k) ApplyGeStep(a, lda, n, k, ipvt[k - 1], j0, j1 - j0 + 1);
-    // For k == n the step reduces to the published tail: ipvt(n) = n, info = n when
-    // u(n, n) == 0.0.
-    for (int k = j0; k <= j1; ++k) {
-      double * const ak = At(a, lda, 1, k);
-      const int l = Blas1::IDAMax(n - k + 1, ak + (k - 1), 1) + k - 1;
-      ipvt[k - 1] = l;
-      if (ak[l - 1] == 0.0) {  // zero pivot: this column is already triangular
-        info = k;
-        continue;
+    const int j1 = Min(j0 + kGeBlock - 1, n);
+    for (int k0 = 1; k0 < j0; k0 += kGePanel)
+      matrix_detail::ApplyGeSteps(a, lda, n, ipvt, k0, kGePanel, j0, j1 - j0 + 1);
+    for (int p0 = j0; p0 <= j1; p0 += kGePanel) {
+      const int p1 = Min(p0 + kGePanel - 1, j1);
+      for (int k0 = j0; k0 < p0; k0 += kGePanel)
+        matrix_detail::ApplyGeSteps(a, lda, n, ipvt, k0, kGePanel, p0, p1 - p0 + 1);
+      // For k == n the step reduces to the published tail: ipvt(n) = n, info = n when
+      // u(n, n) == 0.0.
+      for (int k = p0; k <= p1; ++k) {
+        double * const ak = At(a, lda, 1, k);
+        const int l = Blas1::IDAMax(n - k + 1, ak + (k - 1), 1) + k - 1;
+        ipvt[k - 1] = l;
+        if (ak[l - 1] == 0.0) {  // zero pivot: this column is already triangular
+          info = k;
+          continue;
+        }
+        if (l != k) {
+          const double t = ak[l - 1];
+          ak[l - 1] = ak[k - 1];
+          ak[k - 1] = t;
+        }
+        Blas1::DScal(n - k, -1.0 / ak[k - 1], ak + k, 1);
+        for (int j = k + 1; j <= p1; j += kGeStepColumns)
+          ApplyGeStep(a, lda, n, k, l, j, Min(kGeStepColumns, p1 - j + 1));
       }
-      if (l != k) {
-        const double t = ak[l - 1];
-        ak[l - 1] = ak[k - 1];
-        ak[k - 1] = t;
-      }
-      Blas1::DScal(n - k, -1.0 / ak[k - 1], ak + k, 1);
-      ApplyGeStep(a, lda, n, k, l, k + 1, j1 - k);
     }
   }
   return info;
