@@ -13,6 +13,7 @@
 
 #include "support/simdpaths.h"
 #include "zrcommon920r/math/bitset.h"
+#include "zrcommon920r/math/matrix/detail/simd.h"
 #include "zrcommon920r/math/matrix/kernels.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
@@ -425,14 +426,17 @@ TEST(ZRScheduleBits, InverseOfFactorWithZeroAndNonFinitePivots) {
 
 // Random matrices with zero columns (zero pivots), repeated columns (pivots that cancel
 // to zero or nearly), sparse zeros (zero multipliers next to Inf and -0.0, which the
-// skipped multiply-add keeps) and a leading dimension past n.
+// skipped multiply-add keeps) and a leading dimension past n, under every vector path the
+// processor has. Orders around the column blocks (64), the step groups (8) and the strips
+// of rows (256 below a group) leave partial tiles, vectors and groups; large diagonal
+// entries keep some pivots on the diagonal, others pivot far below their group.
 TEST(ZRScheduleBits, DgefaMatchesColumnSweep) {
   std::mt19937_64 rng(25);
   std::uniform_real_distribution<double> u(-1.0, 1.0);
   std::vector<int> sizes;
   for (int n = 1; n <= 70; ++n) sizes.push_back(n);
-  sizes.push_back(203);
-  sizes.push_back(500);
+  for (int n : {71, 72, 73, 127, 128, 129, 135, 203, 264, 265, 500}) sizes.push_back(n);
+  const std::vector<SimdPath> paths = zrtest::SupportedPaths();
   for (int n : sizes) {
     SCOPED_TRACE(n);
     const int lda = n + n % 3;
@@ -450,6 +454,9 @@ TEST(ZRScheduleBits, DgefaMatchesColumnSweep) {
         case 2:
           col[rng() % n] = rng() % 2 ? kInf : -0.0;
           break;
+        case 3:
+          col[j] = 4.0 * n;
+          break;
         default:
           break;
       }
@@ -459,10 +466,17 @@ TEST(ZRScheduleBits, DgefaMatchesColumnSweep) {
     Vec want = a;
     std::vector<int> wantPivots(static_cast<std::size_t>(n));
     const int wantInfo = OldGefa(want, lda, n, wantPivots);
-    std::vector<int> pivots(static_cast<std::size_t>(n));
-    EXPECT_EQ(Linpack::Dgefa(a.data(), lda, n, pivots.data()), wantInfo);
-    EXPECT_EQ(pivots, wantPivots);
-    EXPECT_TRUE(SameBits(a, want));
+    for (SimdPath path : paths) {
+      SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
+      zrtest::ForcedPath forced(path);
+      ASSERT_TRUE(forced.Ok());
+      Vec got = a;
+      std::vector<int> pivots(static_cast<std::size_t>(n));
+      const int info = Linpack::Dgefa(got.data(), lda, n, pivots.data());
+      EXPECT_EQ(info, wantInfo);
+      EXPECT_EQ(pivots, wantPivots);
+      EXPECT_TRUE(SameBits(got, want));
+    }
   }
 }
 

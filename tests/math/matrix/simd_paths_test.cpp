@@ -1,7 +1,7 @@
-// The vector paths of the packed-triangle and product kernels: under every instruction set
-// this processor supports, the rank-one updates, the accumulator merge and the dense
-// product must give exactly the bits of the scalar loops they replace, and the per-case
-// updates must not allocate.
+// The vector paths of the matrix kernels: under every instruction set this processor
+// supports, the rank-one updates, the accumulator merge, the dense product and the grouped
+// elimination steps of the LU factorisation must give exactly the bits of the scalar loops
+// they replace, and the per-case updates must not allocate.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -10,10 +10,12 @@
 #include <cstdio>
 #include <cstring>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include "support/alloccount.h"
 #include "support/simdpaths.h"
+#include "zrcommon920r/math/matrix/detail/ge_kernels.h"
 #include "zrcommon920r/math/matrix/detail/packed_kernels.h"
 #include "zrcommon920r/math/matrix/detail/simd.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
@@ -350,6 +352,71 @@ TEST(ZRSimdPaths, RankOneUpdatesAllocateNothing) {
       const long count = counter.Count();
       EXPECT_TRUE(ok);
       EXPECT_EQ(count, 0) << "p = " << p;
+    }
+  }
+}
+
+// Elimination steps one at a time, as the column sweep gives them to each later column j:
+// rows k and l swap, then a(i, j) += t a(i, k) below row k unless t == 0.0; a step whose
+// pivot a(k, k) is 0.0 does nothing. Indices from 1.
+void ScalarGeSteps(Vec & a, int lda, int n, const std::vector<int> & ipvt, int k0, int steps,
+                   int j0, int count) {
+  auto at = [&](int i, int j) -> double & {
+    return a[static_cast<std::size_t>(j - 1) * lda + (i - 1)];
+  };
+  for (int j = j0; j < j0 + count; ++j) {
+    for (int k = k0; k < k0 + steps; ++k) {
+      if (at(k, k) == 0.0) continue;
+      std::swap(at(k, j), at(ipvt[k - 1], j));
+      const double t = at(k, j);
+      if (t == 0.0) continue;
+      for (int i = k + 1; i <= n; ++i) at(i, j) += t * at(i, k);
+    }
+  }
+}
+
+// Groups of steps on blocks of columns, the pivot rows drawn at random (inside and below
+// the group, some repeated), all on the last row, all on the diagonal, or random with
+// every third pivot 0.0 (that step must not even swap); with and without zeros,
+// infinities and NaNs among the values. The shapes leave partial groups, vectors, tiles
+// and strips of rows. No call allocates.
+TEST(ZRSimdPaths, GeStepsMatchStepByStep) {
+  struct Shape {
+    int n, lda, k0, steps, j0, count;
+  };
+  const Shape shapes[] = {{12, 12, 1, 8, 9, 4},   {40, 43, 3, 8, 11, 30},   {90, 90, 20, 5, 30, 17},
+                          {70, 72, 60, 8, 68, 3}, {300, 301, 5, 8, 13, 64}, {9, 9, 1, 1, 2, 1}};
+  const std::vector<SimdPath> paths = SupportedPaths();
+  unsigned seed = 0;
+  for (const Shape & s : shapes) {
+    for (int pattern = 0; pattern < 4; ++pattern) {
+      for (bool special : {false, true}) {
+        SCOPED_TRACE(testing::Message()
+                     << "n = " << s.n << ", steps " << s.k0 << " + " << s.steps << ", pattern "
+                     << pattern << (special ? ", non-finite" : ""));
+        std::mt19937_64 gen(++seed);
+        Vec a = RandomValues(gen, static_cast<std::size_t>(s.lda) * s.n, special);
+        std::vector<int> ipvt(static_cast<std::size_t>(s.n));
+        for (int k = s.k0; k < s.k0 + s.steps; ++k) {
+          const int below = k + static_cast<int>(gen() % static_cast<unsigned>(s.n - k + 1));
+          ipvt[k - 1] = pattern == 1 ? s.n : pattern == 2 ? k : below;
+          if (pattern == 3 && k % 3 == 0) a[static_cast<std::size_t>(k - 1) * s.lda + k - 1] = 0.0;
+        }
+        Vec want = a;
+        ScalarGeSteps(want, s.lda, s.n, ipvt, s.k0, s.steps, s.j0, s.count);
+        for (SimdPath path : paths) {
+          SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
+          ForcedPath forced(path);
+          ASSERT_TRUE(forced.Ok());
+          Vec got = a;
+          zrtest::AllocCounter counter;
+          ZRMath_920::matrix_detail::ApplyGeSteps(got.data(), s.lda, s.n, ipvt.data(), s.k0,
+                                                  s.steps, s.j0, s.count);
+          const long count = counter.Count();
+          EXPECT_EQ(count, 0);
+          EXPECT_TRUE(SameBits(got, want));
+        }
+      }
     }
   }
 }
