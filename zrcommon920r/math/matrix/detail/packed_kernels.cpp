@@ -389,45 +389,89 @@ __attribute__((target("avx2"))) inline void ProductRestAvx2(double * arow, const
   _mm256_maskstore_pd(last, lanes, c[NF]);
 }
 
+// Triangle row i from column j to its end, tiles of eight vectors first.
+__attribute__((target("avx2"))) inline void ProductRowAvx2(double * a, const double * dev,
+                                                           std::size_t stride, const double * w,
+                                                           int rows, int i, int j) {
+  double * const arow = a + RowStart(i);
+  const int len = i + 1;
+  for (; j + 32 <= len; j += 32) ProductTileAvx2<8>(arow, dev, stride, w, rows, i, j);
+  if (j + 16 <= len) {
+    ProductTileAvx2<4>(arow, dev, stride, w, rows, i, j);
+    j += 16;
+  }
+  const int rest = len - j;  // below 16
+  switch (rest % 4 == 0 ? rest / 4 : 4 + rest / 4) {
+    case 1:
+      ProductTileAvx2<1>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 2:
+      ProductTileAvx2<2>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 3:
+      ProductTileAvx2<3>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 4:
+      ProductRestAvx2<0>(arow, dev, stride, w, rows, i, j, rest % 4);
+      break;
+    case 5:
+      ProductRestAvx2<1>(arow, dev, stride, w, rows, i, j, rest % 4);
+      break;
+    case 6:
+      ProductRestAvx2<2>(arow, dev, stride, w, rows, i, j, rest % 4);
+      break;
+    case 7:
+      ProductRestAvx2<3>(arow, dev, stride, w, rows, i, j, rest % 4);
+      break;
+    default:
+      break;
+  }
+}
+
+// Triangle rows i0 .. i0 + NR - 1 by NC vectors of four from column j (columns all the
+// rows have), held in registers while every row of dev adds its products.
+template <int NR, int NC>
+__attribute__((target("avx2"))) inline void ProductRowsAvx2(double * a, const double * dev,
+                                                            std::size_t stride, const double * w,
+                                                            int rows, int i0, int j) {
+  double * arow[NR];
+  __m256d c[NR][NC];
+  for (int t = 0; t < NR; ++t) {
+    arow[t] = a + RowStart(i0 + t) + j;
+    for (int v = 0; v < NC; ++v) c[t][v] = _mm256_loadu_pd(arow[t] + 4 * v);
+  }
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    __m256d dj[NC];
+    for (int v = 0; v < NC; ++v) dj[v] = _mm256_loadu_pd(d + j + 4 * v);
+    for (int t = 0; t < NR; ++t) {
+      const __m256d di = _mm256_set1_pd(d[i0 + t]);
+      if (w != nullptr) {
+        const __m256d wr = _mm256_set1_pd(w[r]);
+        for (int v = 0; v < NC; ++v)
+          c[t][v] = _mm256_add_pd(c[t][v], _mm256_mul_pd(_mm256_mul_pd(dj[v], di), wr));
+      } else {
+        for (int v = 0; v < NC; ++v) c[t][v] = _mm256_add_pd(c[t][v], _mm256_mul_pd(dj[v], di));
+      }
+    }
+  }
+  for (int t = 0; t < NR; ++t)
+    for (int v = 0; v < NC; ++v) _mm256_storeu_pd(arow[t] + 4 * v, c[t][v]);
+}
+
+// Four triangle rows at a time over the whole vectors they share, then each row's rest.
 __attribute__((target("avx2"))) void AddProductsAvx2(double * a, const double * dev,
                                                      std::size_t stride, const double * w, int rows,
                                                      int p) {
-  for (int i = 0; i < p; ++i) {
-    double * const arow = a + RowStart(i);
-    const int len = i + 1;
+  int i = 0;
+  for (; i + 4 <= p; i += 4) {
+    const int shared = (i + 1) / 4 * 4;
     int j = 0;
-    for (; j + 32 <= len; j += 32) ProductTileAvx2<8>(arow, dev, stride, w, rows, i, j);
-    if (j + 16 <= len) {
-      ProductTileAvx2<4>(arow, dev, stride, w, rows, i, j);
-      j += 16;
-    }
-    const int rest = len - j;  // below 16
-    switch (rest % 4 == 0 ? rest / 4 : 4 + rest / 4) {
-      case 1:
-        ProductTileAvx2<1>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 2:
-        ProductTileAvx2<2>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 3:
-        ProductTileAvx2<3>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 4:
-        ProductRestAvx2<0>(arow, dev, stride, w, rows, i, j, rest % 4);
-        break;
-      case 5:
-        ProductRestAvx2<1>(arow, dev, stride, w, rows, i, j, rest % 4);
-        break;
-      case 6:
-        ProductRestAvx2<2>(arow, dev, stride, w, rows, i, j, rest % 4);
-        break;
-      case 7:
-        ProductRestAvx2<3>(arow, dev, stride, w, rows, i, j, rest % 4);
-        break;
-      default:
-        break;
-    }
+    for (; j + 8 <= shared; j += 8) ProductRowsAvx2<4, 2>(a, dev, stride, w, rows, i, j);
+    for (; j + 4 <= shared; j += 4) ProductRowsAvx2<4, 1>(a, dev, stride, w, rows, i, j);
+    for (int t = 0; t < 4; ++t) ProductRowAvx2(a, dev, stride, w, rows, i + t, j);
   }
+  for (; i < p; ++i) ProductRowAvx2(a, dev, stride, w, rows, i, 0);
 }
 
 // ---------------------------------------------------------------------------------------
@@ -712,45 +756,92 @@ __attribute__((target("avx512f"))) inline void ProductRestAvx512(double * arow, 
   _mm512_mask_storeu_pd(last, lanes, c[NF]);
 }
 
+// Triangle row i from column j to its end, tiles of eight vectors first.
+__attribute__((target("avx512f"))) inline void ProductRowAvx512(double * a, const double * dev,
+                                                                std::size_t stride,
+                                                                const double * w, int rows, int i,
+                                                                int j) {
+  double * const arow = a + RowStart(i);
+  const int len = i + 1;
+  for (; j + 64 <= len; j += 64) ProductTileAvx512<8>(arow, dev, stride, w, rows, i, j);
+  if (j + 32 <= len) {
+    ProductTileAvx512<4>(arow, dev, stride, w, rows, i, j);
+    j += 32;
+  }
+  const int rest = len - j;  // below 32
+  switch (rest % 8 == 0 ? rest / 8 : 4 + rest / 8) {
+    case 1:
+      ProductTileAvx512<1>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 2:
+      ProductTileAvx512<2>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 3:
+      ProductTileAvx512<3>(arow, dev, stride, w, rows, i, j);
+      break;
+    case 4:
+      ProductRestAvx512<0>(arow, dev, stride, w, rows, i, j, rest % 8);
+      break;
+    case 5:
+      ProductRestAvx512<1>(arow, dev, stride, w, rows, i, j, rest % 8);
+      break;
+    case 6:
+      ProductRestAvx512<2>(arow, dev, stride, w, rows, i, j, rest % 8);
+      break;
+    case 7:
+      ProductRestAvx512<3>(arow, dev, stride, w, rows, i, j, rest % 8);
+      break;
+    default:
+      break;
+  }
+}
+
+// Triangle rows i0 .. i0 + NR - 1 by NC vectors of eight from column j (columns all the
+// rows have), held in registers while every row of dev adds its products: each load of
+// dev serves the NR rows.
+template <int NR, int NC>
+__attribute__((target("avx512f"))) inline void ProductRowsAvx512(double * a, const double * dev,
+                                                                 std::size_t stride,
+                                                                 const double * w, int rows, int i0,
+                                                                 int j) {
+  double * arow[NR];
+  __m512d c[NR][NC];
+  for (int t = 0; t < NR; ++t) {
+    arow[t] = a + RowStart(i0 + t) + j;
+    for (int v = 0; v < NC; ++v) c[t][v] = _mm512_loadu_pd(arow[t] + 8 * v);
+  }
+  const double * d = dev;
+  for (int r = 0; r < rows; ++r, d += stride) {
+    __m512d dj[NC];
+    for (int v = 0; v < NC; ++v) dj[v] = _mm512_loadu_pd(d + j + 8 * v);
+    for (int t = 0; t < NR; ++t) {
+      const __m512d di = _mm512_set1_pd(d[i0 + t]);
+      if (w != nullptr) {
+        const __m512d wr = _mm512_set1_pd(w[r]);
+        for (int v = 0; v < NC; ++v)
+          c[t][v] = _mm512_add_pd(c[t][v], _mm512_mul_pd(_mm512_mul_pd(dj[v], di), wr));
+      } else {
+        for (int v = 0; v < NC; ++v) c[t][v] = _mm512_add_pd(c[t][v], _mm512_mul_pd(dj[v], di));
+      }
+    }
+  }
+  for (int t = 0; t < NR; ++t)
+    for (int v = 0; v < NC; ++v) _mm512_storeu_pd(arow[t] + 8 * v, c[t][v]);
+}
+
+// Four triangle rows at a time over the whole vectors they share, then each row's rest.
 __attribute__((target("avx512f"))) void AddProductsAvx512(double * a, const double * dev,
                                                           std::size_t stride, const double * w,
                                                           int rows, int p) {
-  for (int i = 0; i < p; ++i) {
-    double * const arow = a + RowStart(i);
-    const int len = i + 1;
+  int i = 0;
+  for (; i + 4 <= p; i += 4) {
+    const int shared = (i + 1) / 8 * 8;
     int j = 0;
-    for (; j + 64 <= len; j += 64) ProductTileAvx512<8>(arow, dev, stride, w, rows, i, j);
-    if (j + 32 <= len) {
-      ProductTileAvx512<4>(arow, dev, stride, w, rows, i, j);
-      j += 32;
-    }
-    const int rest = len - j;  // below 32
-    switch (rest % 8 == 0 ? rest / 8 : 4 + rest / 8) {
-      case 1:
-        ProductTileAvx512<1>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 2:
-        ProductTileAvx512<2>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 3:
-        ProductTileAvx512<3>(arow, dev, stride, w, rows, i, j);
-        break;
-      case 4:
-        ProductRestAvx512<0>(arow, dev, stride, w, rows, i, j, rest % 8);
-        break;
-      case 5:
-        ProductRestAvx512<1>(arow, dev, stride, w, rows, i, j, rest % 8);
-        break;
-      case 6:
-        ProductRestAvx512<2>(arow, dev, stride, w, rows, i, j, rest % 8);
-        break;
-      case 7:
-        ProductRestAvx512<3>(arow, dev, stride, w, rows, i, j, rest % 8);
-        break;
-      default:
-        break;
-    }
+    for (; j + 32 <= shared; j += 32) ProductRowsAvx512<4, 4>(a, dev, stride, w, rows, i, j);
+    for (; j + 8 <= shared; j += 8) ProductRowsAvx512<4, 1>(a, dev, stride, w, rows, i, j);
+    for (int t = 0; t < 4; ++t) ProductRowAvx512(a, dev, stride, w, rows, i + t, j);
   }
+  for (; i < p; ++i) ProductRowAvx512(a, dev, stride, w, rows, i, 0);
 }
 
 #endif  // ZR_SIMD_X86
