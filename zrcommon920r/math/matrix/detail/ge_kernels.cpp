@@ -189,31 +189,11 @@ inline void BulkTileBase(double * y, const ColumnSteps & cs, int i) {
 
 // Rows i .. i1 - 1 of y (fewer than sixteen): whole pairs in one tile, then an odd row.
 inline void BulkRestBase(double * y, const ColumnSteps & cs, int i, int i1) {
-  switch ((i1 - i) / 2) {
-    case 1:
-      BulkTileBase<1>(y, cs, i);
-      break;
-    case 2:
-      BulkTileBase<2>(y, cs, i);
-      break;
-    case 3:
-      BulkTileBase<3>(y, cs, i);
-      break;
-    case 4:
-      BulkTileBase<4>(y, cs, i);
-      break;
-    case 5:
-      BulkTileBase<5>(y, cs, i);
-      break;
-    case 6:
-      BulkTileBase<6>(y, cs, i);
-      break;
-    case 7:
-      BulkTileBase<7>(y, cs, i);
-      break;
-    default:
-      break;
-  }
+  using Tile = void (*)(double *, const ColumnSteps &, int);
+  static constexpr Tile kTiles[] = {nullptr,         BulkTileBase<1>, BulkTileBase<2>,
+                                    BulkTileBase<3>, BulkTileBase<4>, BulkTileBase<5>,
+                                    BulkTileBase<6>, BulkTileBase<7>};
+  if (const int pairs = (i1 - i) / 2) kTiles[pairs](y, cs, i);
   if ((i1 - i) % 2 != 0) {
     double v = y[i1 - 1];
     for (int s = 0; s < cs.count; ++s) v += cs.t[s] * cs.x[s][i1 - 1];
@@ -315,6 +295,10 @@ __attribute__((target("avx2"))) inline void BulkTileAvx2(double * y, const Colum
 
 __attribute__((target("avx2"))) void BulkAvx2(const GeGroup & g, double * a, int lda, int n, int k0,
                                               int j0) {
+  using Tile = void (*)(double *, const ColumnSteps &, int, __m256i);
+  static constexpr Tile kTiles[] = {nullptr,         BulkTileAvx2<1>, BulkTileAvx2<2>,
+                                    BulkTileAvx2<3>, BulkTileAvx2<4>, BulkTileAvx2<5>,
+                                    BulkTileAvx2<6>, BulkTileAvx2<7>, BulkTileAvx2<8>};
   ColumnSteps steps[kGeMaxColumns];
   CollectSteps(g, a, lda, k0, steps);
   const __m256i all = _mm256_set1_epi64x(-1);
@@ -331,32 +315,7 @@ __attribute__((target("avx2"))) void BulkAvx2(const GeGroup & g, double * a, int
       const __m256i last = rest % 4 == 0 ? all
                                          : _mm256_cmpgt_epi64(_mm256_set1_epi64x(rest % 4),
                                                               _mm256_setr_epi64x(0, 1, 2, 3));
-      switch ((rest + 3) / 4) {
-        case 1:
-          BulkTileAvx2<1>(y, cs, i, last);
-          break;
-        case 2:
-          BulkTileAvx2<2>(y, cs, i, last);
-          break;
-        case 3:
-          BulkTileAvx2<3>(y, cs, i, last);
-          break;
-        case 4:
-          BulkTileAvx2<4>(y, cs, i, last);
-          break;
-        case 5:
-          BulkTileAvx2<5>(y, cs, i, last);
-          break;
-        case 6:
-          BulkTileAvx2<6>(y, cs, i, last);
-          break;
-        case 7:
-          BulkTileAvx2<7>(y, cs, i, last);
-          break;
-        default:
-          BulkTileAvx2<8>(y, cs, i, last);
-          break;
-      }
+      kTiles[(rest + 3) / 4](y, cs, i, last);
     }
   }
 }
@@ -398,6 +357,10 @@ __attribute__((target("avx512f"))) inline void BulkTileAvx512(double * y, const 
 
 __attribute__((target("avx512f"))) void BulkAvx512(const GeGroup & g, double * a, int lda, int n,
                                                    int k0, int j0) {
+  using Tile = void (*)(double *, const ColumnSteps &, int, __mmask8);
+  static constexpr Tile kTiles[] = {nullptr,           BulkTileAvx512<1>, BulkTileAvx512<2>,
+                                    BulkTileAvx512<3>, BulkTileAvx512<4>, BulkTileAvx512<5>,
+                                    BulkTileAvx512<6>, BulkTileAvx512<7>, BulkTileAvx512<8>};
   ColumnSteps steps[kGeMaxColumns];
   CollectSteps(g, a, lda, k0, steps);
   constexpr __mmask8 kAll = 0xFF;
@@ -412,32 +375,7 @@ __attribute__((target("avx512f"))) void BulkAvx512(const GeGroup & g, double * a
       const int rest = i1 - i;
       if (rest == 0) continue;
       const __mmask8 last = rest % 8 == 0 ? kAll : static_cast<__mmask8>((1u << (rest % 8)) - 1u);
-      switch ((rest + 7) / 8) {
-        case 1:
-          BulkTileAvx512<1>(y, cs, i, last);
-          break;
-        case 2:
-          BulkTileAvx512<2>(y, cs, i, last);
-          break;
-        case 3:
-          BulkTileAvx512<3>(y, cs, i, last);
-          break;
-        case 4:
-          BulkTileAvx512<4>(y, cs, i, last);
-          break;
-        case 5:
-          BulkTileAvx512<5>(y, cs, i, last);
-          break;
-        case 6:
-          BulkTileAvx512<6>(y, cs, i, last);
-          break;
-        case 7:
-          BulkTileAvx512<7>(y, cs, i, last);
-          break;
-        default:
-          BulkTileAvx512<8>(y, cs, i, last);
-          break;
-      }
+      kTiles[(rest + 7) / 8](y, cs, i, last);
     }
   }
 }
