@@ -9,9 +9,11 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <type_traits>
 #include <vector>
 
 #include "support/capture.h"
+#include "support/colmajor.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/matrix/diagmatrix.h"
@@ -25,6 +27,7 @@ using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymBlockDiagMatrix;
 using ZRMath_920::ZRSymBlockMatrix;
 using ZRMath_920::ZRSymMatrix;
+using Vec = std::vector<double>;
 
 constexpr double kU = DBL_EPSILON / 2;
 
@@ -41,7 +44,7 @@ ZRSymBlockDiagMatrix RandomBlocks(unsigned seed, bool singular) {
     const int m = size(gen);
     const bool bad = singular && b == 1;
     if (kind(gen) == 0) {
-      std::vector<double> d(m);
+      Vec d(m);
       for (double & x : d) x = value(gen);
       if (bad) d[0] = 0.0;
       g.AddBlock(d);
@@ -65,60 +68,84 @@ ZRSymMatrix Dense(const ZRSymBlockDiagMatrix & g) {
   return d;
 }
 
-double FrobNorm(const IZRSymMatrix & s) {
-  double sum = 0.0;
+Vec RandomVec(int n, unsigned seed) {
+  return zrtest::RandomGeneral(n, 1, seed).a;
+}
+
+ZRRectMatrix RandomRect(int r, int c, unsigned seed) {
+  const zrtest::ColMatrix a = zrtest::RandomGeneral(r, c, seed);
+  ZRRectMatrix m(r, c, true);
+  for (int i = 0; i < r; ++i)
+    for (int j = 0; j < c; ++j) m.SetElem(i, j, a(i, j));
+  return m;
+}
+
+// The lower triangle by rows.
+Vec Packed(const IZRSymMatrix & s) {
+  Vec p;
   for (int i = 0; i < s.GetNRows(); ++i)
-    for (int j = 0; j < s.GetNRows(); ++j) sum += s.GetElem(i, j) * s.GetElem(i, j);
+    for (int j = 0; j <= i; ++j) p.push_back(s.GetElem(i, j));
+  return p;
+}
+
+int Cols(const IZRSymMatrix & s) {
+  return s.GetNRows();
+}
+int Cols(const ZRRectMatrix & r) {
+  return r.GetNCols();
+}
+
+template <class M>
+double FrobNorm(const M & m) {
+  double sum = 0.0;
+  for (int i = 0; i < m.GetNRows(); ++i)
+    for (int j = 0; j < Cols(m); ++j) sum += m.GetElem(i, j) * m.GetElem(i, j);
   return std::sqrt(sum);
 }
 
-double VecNorm(const std::vector<double> & v) {
+double VecNorm(const Vec & v) {
   double sum = 0.0;
   for (double x : v) sum += x * x;
   return std::sqrt(sum);
 }
 
-void ExpectSymNear(const IZRSymMatrix & a, const IZRSymMatrix & b, double tol) {
+template <class A, class B>
+void ExpectNear(const A & a, const B & b, double tol) {
   ASSERT_EQ(a.GetNRows(), b.GetNRows());
+  ASSERT_EQ(Cols(a), Cols(b));
   for (int i = 0; i < a.GetNRows(); ++i)
-    for (int j = 0; j <= i; ++j)
+    for (int j = 0; j < Cols(a); ++j)
       EXPECT_NEAR(a.GetElem(i, j), b.GetElem(i, j), tol) << i << "," << j;
 }
 
-void ExpectRectNear(const ZRRectMatrix & a, const ZRRectMatrix & b, double tol) {
-  ASSERT_EQ(a.GetNRows(), b.GetNRows());
-  ASSERT_EQ(a.GetNCols(), b.GetNCols());
-  for (int i = 0; i < a.GetNRows(); ++i)
-    for (int j = 0; j < a.GetNCols(); ++j) EXPECT_NEAR(a.GetElem(i, j), b.GetElem(i, j), tol);
-}
-
-void ExpectVecNear(const std::vector<double> & a, const std::vector<double> & b, double tol) {
+void ExpectNear(const Vec & a, const Vec & b, double tol) {
   ASSERT_EQ(a.size(), b.size());
   for (std::size_t i = 0; i < a.size(); ++i) EXPECT_NEAR(a[i], b[i], tol) << i;
 }
 
-std::vector<double> RandomVec(int n, unsigned seed) {
-  std::mt19937 gen(seed);
-  std::uniform_real_distribution<double> u(-1.0, 1.0);
-  std::vector<double> v(n);
-  for (double & x : v) x = u(gen);
-  return v;
+// False only when f reports a failure; a void operation cannot.
+template <class F>
+bool Succeeds(F f) {
+  if constexpr (std::is_void_v<decltype(f())>) {
+    f();
+    return true;
+  } else {
+    return f();
+  }
 }
 
-ZRRectMatrix RandomRect(int r, int c, unsigned seed) {
-  const std::vector<double> v = RandomVec(r * c, seed);
-  ZRRectMatrix m(r, c, true);
-  for (int i = 0; i < r; ++i)
-    for (int j = 0; j < c; ++j) m.SetElem(i, j, v[i * c + j]);
-  return m;
-}
-
-double RectNorm(const ZRRectMatrix & m) {
-  double s = 0.0;
-  for (int i = 0; i < m.GetNRows(); ++i)
-    for (int j = 0; j < m.GetNCols(); ++j) s += m.GetElem(i, j) * m.GetElem(i, j);
-  return std::sqrt(s);
-}
+// Runs the operation, writing its result to `out` of type Out, on the block form g and on
+// the dense form d, and compares the two results within tol.
+#define EXPECT_SAME_RESULT(g, d, Out, tol, ...)             \
+  do {                                                      \
+    SCOPED_TRACE(#__VA_ARGS__);                             \
+    const auto run = [&](const IZRSymMatrix & m) {          \
+      Out out;                                              \
+      EXPECT_TRUE(Succeeds([&] { return m.__VA_ARGS__; })); \
+      return out;                                           \
+    };                                                      \
+    ExpectNear(run(g), run(d), tol);                        \
+  } while (false)
 
 TEST(ZRSymBlockDiagMatrixStructure, TablesLookupsAndRefusals) {
   ZRBitSet isDiag(2);
@@ -152,7 +179,7 @@ TEST(ZRSymBlockDiagMatrixStructure, TablesLookupsAndRefusals) {
   EXPECT_EQ(m.GetElem(3, 3), 2.0);
   // The stored blocks are handed out, not copied.
   ZRSymMatrix * dense = nullptr;
-  std::vector<double> * diag = nullptr;
+  Vec * diag = nullptr;
   ASSERT_TRUE(m.GetDenseBlock(0, dense));
   EXPECT_FALSE(m.GetDenseBlock(1, dense));
   ASSERT_TRUE(m.GetDiagonalBlock(1, diag));
@@ -169,10 +196,10 @@ TEST(ZRSymBlockDiagMatrixStructure, TablesLookupsAndRefusals) {
 
 TEST(ZRSymBlockDiagMatrixStructure, AddReplaceFlattenAndCompare) {
   ZRSymBlockDiagMatrix g;
-  EXPECT_EQ(g.AddBlock(std::vector<double>{}), -1);
+  EXPECT_EQ(g.AddBlock(Vec{}), -1);
   EXPECT_EQ(g.AddBlock(ZRSymMatrix()), -1);
   // Fault fixed: appending a block re-initialised the kinds of the earlier blocks.
-  EXPECT_EQ(g.AddBlock(std::vector<double>{5.0}), 0);
+  EXPECT_EQ(g.AddBlock(Vec{5.0}), 0);
   EXPECT_EQ(g.AddBlock(zrtest::RandomSpd(2, 1)), 1);
   EXPECT_TRUE(g.GetIsBlockDiagonal(0));
   EXPECT_FALSE(g.GetIsBlockDiagonal(1));
@@ -180,9 +207,9 @@ TEST(ZRSymBlockDiagMatrixStructure, AddReplaceFlattenAndCompare) {
   // Replacement keeps kind and size.
   EXPECT_FALSE(g.ReplaceBlock(0, zrtest::RandomSpd(1, 2)));
   EXPECT_FALSE(g.ReplaceBlock(1, zrtest::RandomSpd(3, 2)));
-  EXPECT_FALSE(g.ReplaceBlock(1, std::vector<double>{1.0, 2.0}));
-  EXPECT_FALSE(g.ReplaceBlock(0, std::vector<double>{1.0, 2.0}));
-  EXPECT_TRUE(g.ReplaceBlock(0, std::vector<double>{6.0}));
+  EXPECT_FALSE(g.ReplaceBlock(1, Vec{1.0, 2.0}));
+  EXPECT_FALSE(g.ReplaceBlock(0, Vec{1.0, 2.0}));
+  EXPECT_TRUE(g.ReplaceBlock(0, Vec{6.0}));
   const ZRSymMatrix s = zrtest::RandomSpd(2, 3);
   EXPECT_TRUE(g.ReplaceBlock(1, s));
   EXPECT_EQ(g.GetElem(2, 1), s.GetElem(1, 0));
@@ -210,7 +237,7 @@ TEST(ZRSymBlockDiagMatrixStructure, AddReplaceFlattenAndCompare) {
 // AddBlock and ReplaceBlock, added to the diagonal by ComputeAXpY; and the diagonal
 // class's inverse written into a block-diagonal out of its size.
 TEST(ZRSymBlockDiagMatrixStructure, DiagonalClassMembers) {
-  ZRDiagMatrix d(std::vector<double>{2.0, 4.0});
+  ZRDiagMatrix d(Vec{2.0, 4.0});
   ZRSymMatrix s = zrtest::RandomSpd(2, 5);
   ZRSymBlockDiagMatrix g({&d, &s});
   ASSERT_EQ(g.GetNRows(), 4);
@@ -218,20 +245,20 @@ TEST(ZRSymBlockDiagMatrixStructure, DiagonalClassMembers) {
   EXPECT_FALSE(g.GetIsBlockDiagonal(1));
   EXPECT_EQ(g.GetElem(1, 1), 4.0);
   EXPECT_EQ(g.GetElem(0, 1), 0.0);
-  EXPECT_EQ(g.AddBlock(ZRDiagMatrix(std::vector<double>{7.0})), 2);
+  EXPECT_EQ(g.AddBlock(ZRDiagMatrix(Vec{7.0})), 2);
   EXPECT_TRUE(g.GetIsBlockDiagonal(2));
   EXPECT_FALSE(g.ReplaceBlock(1, d));  // a dense block keeps its kind
-  EXPECT_TRUE(g.ReplaceBlock(0, ZRDiagMatrix(std::vector<double>{3.0, 5.0})));
+  EXPECT_TRUE(g.ReplaceBlock(0, ZRDiagMatrix(Vec{3.0, 5.0})));
   const ZRSymMatrix before = Dense(g);
-  ZRDiagMatrix x(std::vector<double>{1.0, 2.0, 3.0, 4.0, 5.0});
+  ZRDiagMatrix x(Vec{1.0, 2.0, 3.0, 4.0, 5.0});
   ASSERT_TRUE(g.ComputeAXpY(0.5, x));
   for (int i = 0; i < 5; ++i)
     for (int j = 0; j <= i; ++j)
       EXPECT_EQ(g.GetElem(i, j), before.GetElem(i, j) + (i == j ? 0.5 * (i + 1) : 0.0));
-  EXPECT_FALSE(g.ComputeAXpY(1.0, ZRDiagMatrix(std::vector<double>{1.0})));
+  EXPECT_FALSE(g.ComputeAXpY(1.0, ZRDiagMatrix(Vec{1.0})));
   ZRSymBlockDiagMatrix out;
   ASSERT_TRUE(g.CopyStructure(out));
-  EXPECT_EQ(x.CholInverse(std::vector<double>(5, 1.0), 0.0, out), 5);
+  EXPECT_EQ(x.CholInverse(Vec(5, 1.0), 0.0, out), 5);
   for (int i = 0; i < 5; ++i) EXPECT_EQ(out.GetElem(i, i), 1.0 / (i + 1));
   EXPECT_EQ(out.GetElem(4, 3), 0.0);
 }
@@ -245,17 +272,12 @@ TEST(ZRSymBlockDiagMatrixOps, RowAndVectorOperationsMatchDense) {
     const ZRSymBlockDiagMatrix g = RandomBlocks(seed, seed % 2 == 0);
     const ZRSymMatrix d = Dense(g);
     const int n = g.GetNRows();
-    const std::vector<double> v = RandomVec(n, seed), w = RandomVec(n, seed + 50);
+    const Vec v = RandomVec(n, seed), w = RandomVec(n, seed + 50);
     const double tol = (n + 2) * kU * FrobNorm(d) * VecNorm(v) * VecNorm(w) + 1e-300;
-    std::vector<double> a, b;
-    g.GetDiagonal(a);
-    d.GetDiagonal(b);
-    EXPECT_EQ(a, b);
+    EXPECT_SAME_RESULT(g, d, Vec, 0.0, GetDiagonal(out));
     EXPECT_EQ(g.Trace(), d.Trace());
     for (int i = 0; i < n; ++i) {
-      ASSERT_TRUE(g.GetRow(i, a));
-      d.GetRow(i, b);
-      EXPECT_EQ(a, b);
+      EXPECT_SAME_RESULT(g, d, Vec, 0.0, GetRow(i, out));
       EXPECT_NEAR(g.ComputeRVD(i, v, 1), d.ComputeRVD(i, v, 1), tol);
       EXPECT_NEAR(g.ComputeRVD(i, v.data(), -1), d.ComputeRVD(i, v.data(), -1), tol);
       for (int j = 0; j < n; j += 3) {
@@ -264,29 +286,23 @@ TEST(ZRSymBlockDiagMatrixOps, RowAndVectorOperationsMatchDense) {
                     tol * FrobNorm(d));
       }
     }
-    g.ComputeSV(v, a);
-    d.ComputeSV(v, b);
-    ExpectVecNear(a, b, tol);
-    g.ComputeSV(n - 1, v, a);
-    d.ComputeSV(n - 1, v, b);
-    ExpectVecNear(a, b, tol);
+    EXPECT_SAME_RESULT(g, d, Vec, tol, ComputeSV(v, out));
+    EXPECT_SAME_RESULT(g, d, Vec, tol, ComputeSV(n - 1, v, out));
     EXPECT_NEAR(g.ComputeVSW(v, w), d.ComputeVSW(v, w), tol);
     EXPECT_NEAR(g.ComputeVSV(v), d.ComputeVSV(v), tol);
     EXPECT_NEAR(g.ComputeVSW(v.data(), -1, w.data(), 1), d.ComputeVSW(v.data(), -1, w.data(), 1),
                 tol);
     EXPECT_NEAR(g.ComputeVSWParts(v, n / 2, w, n - 1), d.ComputeVSWParts(v, n / 2, w, n - 1), tol);
-    a = v;
-    b = v;
+    Vec a = v, b = v;
     g.IncrVecByRow(n / 2, a, 0, n, 2.0, true);
     d.IncrVecByRow(n / 2, b, 0, n, 2.0, true);
-    ExpectVecNear(a, b, tol);
-    double maxD[2], minD[2], maxO[2], minO[2];
-    g.MaxMinDiagOffDiag(maxD[0], minD[0], maxO[0], minO[0]);
-    d.MaxMinDiagOffDiag(maxD[1], minD[1], maxO[1], minO[1]);
-    EXPECT_EQ(maxD[0], maxD[1]);
-    EXPECT_EQ(minD[0], minD[1]);
-    EXPECT_EQ(maxO[0], maxO[1]);
-    EXPECT_EQ(minO[0], minO[1]);
+    ExpectNear(a, b, tol);
+    const auto extremes = [](const IZRSymMatrix & m) {
+      Vec e(4);
+      m.MaxMinDiagOffDiag(e[0], e[1], e[2], e[3]);
+      return e;
+    };
+    EXPECT_EQ(extremes(g), extremes(d));
   }
 }
 
@@ -297,64 +313,37 @@ TEST(ZRSymBlockDiagMatrixOps, MatrixProductsMatchDense) {
     const ZRSymMatrix d = Dense(g);
     const int n = g.GetNRows();
     const ZRSymMatrix s = zrtest::RandomSpd(n, seed + 7);
-    const double gn = FrobNorm(d), sn = FrobNorm(s);
-    const double tol2 = 2 * (n + 2) * kU * gn * gn * sn;
-    ZRSymMatrix x, y;
-    std::vector<double> packed, work;
-    for (int i = 0; i < n; ++i)
-      for (int j = 0; j <= i; ++j) packed.push_back(s.GetElem(i, j));
-    ASSERT_TRUE(g.ComputeGMG(packed, x));
-    ASSERT_TRUE(d.ComputeGMG(packed, y));
-    ExpectSymNear(x, y, tol2);
-    ASSERT_TRUE(g.ComputeGSG(s, x));
-    ASSERT_TRUE(d.ComputeGSG(s, y));
-    ExpectSymNear(x, y, tol2);
-    ASSERT_TRUE(g.ComputeGMGNG(s, s, x, work));
-    ASSERT_TRUE(d.ComputeGMGNG(s, s, y, work));
-    ExpectSymNear(x, y, 4 * (n + 2) * kU * gn * gn * gn * sn * sn);
-    ASSERT_TRUE(g.ComputeLSLTrans(s, x));
-    ASSERT_TRUE(d.ComputeLSLTrans(s, y));
-    ExpectSymNear(x, y, 2 * (n + 2) * kU * gn * sn * sn);
-    ASSERT_TRUE(g.ComputeLTransSL(s, x, 1));
-    ASSERT_TRUE(d.ComputeLTransSL(s, y, 1));
-    ExpectSymNear(x, y, 2 * (n + 2) * kU * gn * sn * sn);
-    g.ComputeSTransS(x);
-    d.ComputeSTransS(y);
-    ExpectSymNear(x, y, (n + 2) * kU * gn * gn);
+    const double t = (n + 2) * kU, gn = FrobNorm(d), sn = FrobNorm(s);
+    const Vec packed = Packed(s);
+    Vec work;
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * gn * gn * sn, ComputeGMG(packed, out));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * gn * gn * sn, ComputeGSG(s, out));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 4 * t * gn * gn * gn * sn * sn,
+                       ComputeGMGNG(s, s, out, work));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * gn * sn * sn, ComputeLSLTrans(s, out));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * gn * sn * sn, ComputeLTransSL(s, out, 1));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, t * gn * gn, ComputeSTransS(out));
     ZRSymBlockDiagMatrix square;
+    ZRSymMatrix y;
     g.ComputeSTransS(square);  // a block-diagonal out keeps the structure
+    d.ComputeSTransS(y);
     EXPECT_TRUE(square.IsSameStructure(g));
-    ExpectSymNear(square, y, (n + 2) * kU * gn * gn);
-    EXPECT_NEAR(g.TraceOfProduct(s), d.TraceOfProduct(s), 2 * (n + 2) * kU * gn * sn);
+    ExpectNear(square, y, t * gn * gn);
+    EXPECT_NEAR(g.TraceOfProduct(s), d.TraceOfProduct(s), 2 * t * gn * sn);
     EXPECT_NEAR(g.TraceOfProductOfThree(s, s), d.TraceOfProductOfThree(s, s),
                 (3 * n + 4) * kU * gn * sn * sn);
     // Rectangular operands of 3 rows or columns.
     const ZRRectMatrix r = RandomRect(3, n, seed), rt = RandomRect(n, 3, seed + 1);
-    const double rn = RectNorm(r), rtn = RectNorm(rt);
-    ZRRectMatrix p, q;
-    ASSERT_TRUE(g.ComputeRS(r, p));
-    ASSERT_TRUE(d.ComputeRS(r, q));
-    ExpectRectNear(p, q, (n + 2) * kU * rn * gn);
-    ASSERT_TRUE(g.ComputeRTransS(rt, p));
-    ASSERT_TRUE(d.ComputeRTransS(rt, q));
-    ExpectRectNear(p, q, (n + 2) * kU * rtn * gn);
-    ASSERT_TRUE(g.ComputeSS(s, p));
-    ASSERT_TRUE(d.ComputeSS(s, q));
-    ExpectRectNear(p, q, (n + 2) * kU * sn * gn);
-    ASSERT_TRUE(g.ComputeRSRTrans(r, x));
-    ASSERT_TRUE(d.ComputeRSRTrans(r, y));
-    ExpectSymNear(x, y, 2 * (n + 2) * kU * rn * rn * gn);
-    ASSERT_TRUE(g.ComputeRTransSR(rt, x));
-    ASSERT_TRUE(d.ComputeRTransSR(rt, y));
-    ExpectSymNear(x, y, 2 * (n + 2) * kU * rtn * rtn * gn);
-    const std::vector<double> v = RandomVec(n, seed);
-    std::vector<double> a, b;
-    ASSERT_TRUE(g.ComputeRTransSV(rt, v, a));
-    ASSERT_TRUE(d.ComputeRTransSV(rt, v, b));
-    ExpectVecNear(a, b, 2 * (n + 2) * kU * rtn * gn * VecNorm(v));
-    EXPECT_NEAR(g.ComputeVSV(r, 1), d.ComputeVSV(r, 1), 2 * (n + 2) * kU * rn * rn * gn);
-    // A block-diagonal out refuses the dense result.
-    ZRSymBlockDiagMatrix refused(g);
+    const double rn = FrobNorm(r), rtn = FrobNorm(rt);
+    const Vec v = RandomVec(n, seed);
+    EXPECT_SAME_RESULT(g, d, ZRRectMatrix, t * rn * gn, ComputeRS(r, out));
+    EXPECT_SAME_RESULT(g, d, ZRRectMatrix, t * rtn * gn, ComputeRTransS(rt, out));
+    EXPECT_SAME_RESULT(g, d, ZRRectMatrix, t * sn * gn, ComputeSS(s, out));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * rn * rn * gn, ComputeRSRTrans(r, out));
+    EXPECT_SAME_RESULT(g, d, ZRSymMatrix, 2 * t * rtn * rtn * gn, ComputeRTransSR(rt, out));
+    EXPECT_SAME_RESULT(g, d, Vec, 2 * t * rtn * gn * VecNorm(v), ComputeRTransSV(rt, v, out));
+    EXPECT_NEAR(g.ComputeVSV(r, 1), d.ComputeVSV(r, 1), 2 * t * rn * rn * gn);
+    ZRSymBlockDiagMatrix refused(g);  // a block-diagonal out refuses the dense result
     EXPECT_FALSE(g.ComputeGSG(s, refused));
   }
 }
@@ -363,54 +352,44 @@ TEST(ZRSymBlockDiagMatrixOps, MatrixProductsMatchDense) {
 // that positions outside the blocks stay zero.
 TEST(ZRSymBlockDiagMatrixOps, EditsAndExtractionsMatchDense) {
   const ZRSymBlockDiagMatrix g = RandomBlocks(14, false);
+  const ZRSymMatrix dense = Dense(g);
   const int n = g.GetNRows();
-  const std::vector<double> v = RandomVec(n, 3);
-  ZRSymMatrix x, y;
-  ASSERT_TRUE(g.ExtractSubmatrix({n - 1, 0, 2, 2}, x));
-  ASSERT_TRUE(Dense(g).ExtractSubmatrix({n - 1, 0, 2, 2}, y));
-  ExpectSymNear(x, y, 0.0);
-  g.ExtractFirstNRows(x);
-  Dense(g).ExtractFirstNRows(y);
-  ExpectSymNear(x, y, 0.0);
-  const ZRSymMatrix m = zrtest::RandomSpd(n, 5);
-  std::vector<double> packed;
-  for (int i = 0; i < n; ++i)
-    for (int j = 0; j <= i; ++j) packed.push_back(m.GetElem(i, j));
+  EXPECT_SAME_RESULT(g, dense, ZRSymMatrix, 0.0, ExtractSubmatrix({n - 1, 0, 2, 2}, out));
+  EXPECT_SAME_RESULT(g, dense, ZRSymMatrix, 0.0, ExtractFirstNRows(out));
+  const Vec packed = Packed(zrtest::RandomSpd(n, 5));
   for (int i = 0; i < n; i += 2)
     EXPECT_NEAR(g.ComputeVSW(packed, n - 1, i, n - 2 - i / 2),
-                Dense(g).ComputeVSW(packed, n - 1, i, n - 2 - i / 2), 1e-12);
+                dense.ComputeVSW(packed, n - 1, i, n - 2 - i / 2), 1e-12);
+#define EDIT(...)                                   \
+  {                                                 \
+    __LINE__, [](IZRSymMatrix & m) { __VA_ARGS__; } \
+  }
   struct {
     int line;
-    void (*edit)(IZRSymMatrix &, const std::vector<double> &);
+    void (*edit)(IZRSymMatrix &);
   } const edits[] = {
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> &) { m.ZeroOut(2); }},
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> &) { m.ZeroOutNonDiag(0.5); }},
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> &) { m.MultiplyByNumber(-2.5); }},
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> &) { m.AddToDiagonal(1.5); }},
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> &) { m.ChangeSign(); }},
-      {__LINE__, [](IZRSymMatrix & m,
-                    const std::vector<double> &) { m.SetRowColToConst(m.GetNRows() - 1, 3.0); }},
-      {__LINE__, [](IZRSymMatrix & m, const std::vector<double> & w) { m.PutRow(1, w); }},
-      {__LINE__,
-       [](IZRSymMatrix & m, const std::vector<double> & w) {
-         std::vector<double> diag(w.size(), 1.0);
-         m.LTChol(diag, 1e-10, false);
-         m.LTInverse();
-       }},
+    EDIT(m.ZeroOut(2)),
+    EDIT(m.ZeroOutNonDiag(0.5)),
+    EDIT(m.MultiplyByNumber(-2.5)),
+    EDIT(m.AddToDiagonal(1.5)),
+    EDIT(m.ChangeSign()),
+    EDIT(m.SetRowColToConst(m.GetNRows() - 1, 3.0)),
+    EDIT(m.PutRow(1, RandomVec(m.GetNRows(), 3))),
+    EDIT(m.LTChol(Vec(m.GetNRows(), 1.0), 1e-10, false); m.LTInverse()),
   };
+#undef EDIT
+  const std::vector<int> & block = g.GetBlockIndexForRow();
   for (const auto & e : edits) {
     SCOPED_TRACE(e.line);
     ZRSymBlockDiagMatrix b(g);
-    ZRSymMatrix d = Dense(g);
-    e.edit(b, v);
-    e.edit(d, v);
+    ZRSymMatrix d = dense;
+    e.edit(b);
+    e.edit(d);
     for (int i = 0; i < n; ++i)
       for (int j = 0; j <= i; ++j) {
-        const double want = g.GetBlockIndexForRow()[i] == g.GetBlockIndexForRow()[j] &&
-                                    (!g.GetIsBlockDiagonal(g.GetBlockIndexForRow()[i]) || i == j)
-                                ? d.GetElem(i, j)
-                                : 0.0;
-        EXPECT_NEAR(b.GetElem(i, j), want, (n + 2) * kU * FrobNorm(d)) << i << "," << j;
+        const bool inBlock = block[i] == block[j] && (!g.GetIsBlockDiagonal(block[i]) || i == j);
+        EXPECT_NEAR(b.GetElem(i, j), inBlock ? d.GetElem(i, j) : 0.0, (n + 2) * kU * FrobNorm(d))
+            << i << "," << j;
       }
     ZRBitSet all(n);
     all.SetRange(0, n - 1, true);
@@ -426,47 +405,37 @@ TEST(ZRSymBlockDiagMatrixCholesky, FactorSolveInverseMatchDense) {
     const ZRSymBlockDiagMatrix g = RandomBlocks(seed, seed % 2 == 1);
     const ZRSymMatrix d = Dense(g);
     const int n = g.GetNRows();
-    std::vector<double> diag;
+    Vec diag, a, b;
     d.GetDiagonal(diag);
     ZRSymBlockDiagMatrix gl(g);
     ZRSymMatrix dl(d);
     ZRBitSet gs, ds;
     EXPECT_EQ(gl.LTChol(diag, 1e-10, gs, true), dl.LTChol(diag, 1e-10, ds, true));
     EXPECT_EQ(gs, ds);
-    ExpectSymNear(gl, dl, 0.0);
-    std::vector<double> a, b;
-    const std::vector<double> v = RandomVec(n, seed);
+    ExpectNear(gl, dl, 0.0);
+    const Vec v = RandomVec(n, seed);
     const double tol = (n + 2) * kU * FrobNorm(dl) * VecNorm(v);
-    ASSERT_TRUE(gl.ComputeLV(v, a));
-    ASSERT_TRUE(dl.ComputeLV(v, b));
-    ExpectVecNear(a, b, tol);
-    ASSERT_TRUE(gl.ComputeLTransV(v, a));
-    ASSERT_TRUE(dl.ComputeLTransV(v, b));
-    ExpectVecNear(a, b, tol);
-    ASSERT_TRUE(gl.ComputeLTransV({1, 0, 1}, {1.0, 2.0, -3.0}, a));
-    ASSERT_TRUE(dl.ComputeLTransV({1, 0, 1}, {1.0, 2.0, -3.0}, b));
-    ExpectVecNear(a, b, tol);
-    ZRSymBlockDiagMatrix g2(gl);
-    ZRSymMatrix d2(dl);
-    g2.LTLLTrans();
-    d2.LTLLTrans();
-    ExpectSymNear(g2, d2, (n + 2) * kU * FrobNorm(d));
-    g2 = gl;
-    d2 = dl;
-    g2.LTLTransL();
-    d2.LTLTransL();
-    ExpectSymNear(g2, d2, (n + 2) * kU * FrobNorm(d));
+    EXPECT_SAME_RESULT(gl, dl, Vec, tol, ComputeLV(v, out));
+    EXPECT_SAME_RESULT(gl, dl, Vec, tol, ComputeLTransV(v, out));
+    EXPECT_SAME_RESULT(gl, dl, Vec, tol, ComputeLTransV({1, 0, 1}, {1.0, 2.0, -3.0}, out));
+    for (auto product : {&IZRSymMatrix::LTLLTrans, &IZRSymMatrix::LTLTransL}) {
+      ZRSymBlockDiagMatrix g2(gl);
+      ZRSymMatrix d2(dl);
+      (g2.*product)();
+      (d2.*product)();
+      ExpectNear(g2, d2, (n + 2) * kU * FrobNorm(d));
+    }
     // Generalised inverse, rank and solve.
     ZRSymBlockDiagMatrix gi;
     ZRSymMatrix di;
     double gmin = 0.0, dmin = 0.0;
     EXPECT_EQ(g.CholInverse(diag, 1e-10, gi, gmin), d.CholInverse(diag, 1e-10, di, dmin));
     EXPECT_EQ(gmin, dmin);
-    ExpectSymNear(gi, di, (n + 2) * kU * FrobNorm(di));
+    ExpectNear(gi, di, (n + 2) * kU * FrobNorm(di));
     ZRSymBlockDiagMatrix gx(g);
     ZRSymMatrix dx(d);
     EXPECT_EQ(gx.LTSolve(v, 1e-10, a), dx.LTSolve(v, 1e-10, b));
-    ExpectVecNear(a, b, (n + 2) * kU * FrobNorm(di) * VecNorm(v));
+    ExpectNear(a, b, (n + 2) * kU * FrobNorm(di) * VecNorm(v));
   }
 }
 
@@ -474,16 +443,16 @@ TEST(ZRSymBlockDiagMatrixCholesky, FactorSolveInverseMatchDense) {
 // a singular block left out of the determinant.
 TEST(ZRSymBlockDiagMatrixCholesky, LocalBasesAndSingularBlockDeterminant) {
   ZRSymBlockDiagMatrix g;
-  g.AddBlock(std::vector<double>{1e-12, 4.0});
+  g.AddBlock(Vec{1e-12, 4.0});
   ZRSymMatrix small(1, true);
   small.SetElem(0, 0, 1e-12);
   g.AddBlock(small);
   const ZRSymMatrix d = Dense(g);
-  std::vector<double> gd, dd;
+  Vec gd, dd;
   g.GetNCheckDiagonal(gd, 0.0, 1.0);
   d.GetNCheckDiagonal(dd, 0.0, 1.0);
-  EXPECT_EQ(gd, (std::vector<double>{1e-12, 4.0, 1e-12}));
-  EXPECT_EQ(dd, (std::vector<double>{4.0, 4.0, 4.0}));
+  EXPECT_EQ(gd, (Vec{1e-12, 4.0, 1e-12}));
+  EXPECT_EQ(dd, (Vec{4.0, 4.0, 4.0}));
   double gmin = 0.0, dmin = 0.0;
   ZRSymBlockDiagMatrix gl(g);
   ZRSymMatrix dl(d);
@@ -494,7 +463,7 @@ TEST(ZRSymBlockDiagMatrixCholesky, LocalBasesAndSingularBlockDeterminant) {
   EXPECT_EQ(gl.GetElem(2, 2), 1e-6);
   double det[2], denseDet[2];
   ZRSymBlockDiagMatrix h;
-  h.AddBlock(std::vector<double>{4.0});
+  h.AddBlock(Vec{4.0});
   h.AddBlock(small);
   ASSERT_TRUE(h.ComputeDeterminant(1e-6, det));
   ASSERT_TRUE(Dense(h).ComputeDeterminant(1e-6, denseDet));
@@ -503,7 +472,7 @@ TEST(ZRSymBlockDiagMatrixCholesky, LocalBasesAndSingularBlockDeterminant) {
   EXPECT_EQ(denseDet[0], 0.0);
   // LTDetInverse counts the zero pivots and multiplies the other blocks only.
   ZRSymBlockDiagMatrix f;
-  f.AddBlock(std::vector<double>{2.0, 0.0});
+  f.AddBlock(Vec{2.0, 0.0});
   ZRSymMatrix l(2, true);
   l.SetElem(0, 0, 5.0);
   l.SetElem(1, 1, 3.0);
@@ -516,7 +485,7 @@ TEST(ZRSymBlockDiagMatrixCholesky, LocalBasesAndSingularBlockDeterminant) {
   EXPECT_EQ(f.GetElem(2, 2), 0.2);
   // An infinite element ends the normalisation instead of dividing by 10 forever.
   ZRSymBlockDiagMatrix inf;
-  inf.AddBlock(std::vector<double>{std::numeric_limits<double>::infinity(), 2.0});
+  inf.AddBlock(Vec{std::numeric_limits<double>::infinity(), 2.0});
   EXPECT_EQ(inf.LTDetInverse(det, 1), 0);
   EXPECT_TRUE(std::isinf(det[0]));
 }
@@ -525,20 +494,20 @@ TEST(ZRSymBlockDiagMatrixOps, FailureValues) {
   ZRSymBlockDiagMatrix g = RandomBlocks(12, false);
   const int n = g.GetNRows();
   ZRSymMatrix dense(n, true);
-  std::vector<double> diag(n, 1.0), x;
+  Vec diag(n, 1.0), x;
   double minPivot = 0.0;
   EXPECT_EQ(g.CholInverse(diag, 1e-10, dense), -1);
   EXPECT_EQ(g.CholInverse(diag, 1e-10, dense, minPivot), -1);
   EXPECT_EQ(minPivot, ZRCommon_920::kSysMisValue);
   ZRSymBlockDiagMatrix out;
-  EXPECT_EQ(g.CholInverse(std::vector<double>(n - 1, 1.0), 1e-10, out), -1);
+  EXPECT_EQ(g.CholInverse(Vec(n - 1, 1.0), 1e-10, out), -1);
   EXPECT_EQ(g.LTChol(diag, -1.0, true), -1);
   EXPECT_EQ(g.LTSolve(diag, 0.0, x), -1);
-  EXPECT_EQ(g.LTSolve(std::vector<double>(n - 1), 1e-10, x), -1);
+  EXPECT_EQ(g.LTSolve(Vec(n - 1), 1e-10, x), -1);
   EXPECT_EQ(g.ComputeDotProduct2Rows(0, n), 0.0);
   EXPECT_EQ(g.ComputeRVD(n, diag, 1), 0.0);
   EXPECT_FALSE(g.GetRow(n, x));
-  EXPECT_FALSE(g.PutRow(0, std::vector<double>(n - 1)));
+  EXPECT_FALSE(g.PutRow(0, Vec(n - 1)));
   EXPECT_FALSE(g.ComputeSV(n + 1, diag, x));
   double det[2] = {7.0, 7.0};
   EXPECT_FALSE(ZRSymBlockDiagMatrix().ComputeDeterminant(1e-10, det));
@@ -565,7 +534,7 @@ TEST(ZRSymBlockDiagMatrixDisplay, ExactText) {
   a.SetElem(0, 0, 1.0);
   a.SetElem(1, 0, 2.5);
   a.SetElem(1, 1, -3.0);
-  g.AddBlock(std::vector<double>{4.0});
+  g.AddBlock(Vec{4.0});
   g.AddBlock(a);
   zrtest::DisplayCapture cap;
   g.Display();

@@ -10,6 +10,7 @@
 
 #include "support/colmajor.h"
 #include "support/lapack.h"
+#include "support/matrixconv.h"
 #include "support/refdata.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/common/numconst.h"
@@ -23,8 +24,10 @@ using ZRMath_920::ZRBitSet;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 using zrtest::ColMatrix;
+using zrtest::FromRect;
 using zrtest::Multiply;
 using zrtest::RandomGeneral;
+using zrtest::ToRect;
 using zrtest::Transposed;
 using Vec = std::vector<double>;
 using Grid = std::vector<Vec>;
@@ -40,20 +43,8 @@ ColMatrix FromRows(const Grid & rows) {
     for (int j = 0; j < a.cols; ++j) a(i, j) = rows[i][j];
   return a;
 }
-ZRRectMatrix ToRect(const ColMatrix & a) {
-  ZRRectMatrix r(a.rows, a.cols, true);
-  for (int i = 0; i < a.rows; ++i)
-    for (int j = 0; j < a.cols; ++j) r.SetElem(i, j, a(i, j));
-  return r;
-}
 ZRRectMatrix Make(const Grid & rows) {
   return ToRect(FromRows(rows));
-}
-ColMatrix FromRect(const ZRRectMatrix & r) {
-  ColMatrix a(r.GetNRows(), r.GetNCols());
-  for (int i = 0; i < a.rows; ++i)
-    for (int j = 0; j < a.cols; ++j) a(i, j) = r.GetElem(i, j);
-  return a;
 }
 
 // Singular values by LAPACK's dgesvd.

@@ -86,11 +86,9 @@ TEST(ZRSparseRectMatrixProducts, EqualDenseCopyExactly) {
     const ZRRectMatrix vm = RandomDense(1, std::max(sh.rows, sh.cols) + 1, 3);
     const Vec v(vm.GetRowPtr(0), vm.GetRowPtr(0) + vm.GetNCols());  // longer than needed
     Vec got, want;
-    ASSERT_TRUE(a.ComputeRV(v, got));
-    ASSERT_TRUE(f.ComputeRV(v, want));
+    ASSERT_TRUE(a.ComputeRV(v, got) && f.ComputeRV(v, want));
     EXPECT_EQ(got, want);
-    ASSERT_TRUE(a.ComputeVR(v, got));
-    ASSERT_TRUE(f.ComputeVR(v, want));
+    ASSERT_TRUE(a.ComputeVR(v, got) && f.ComputeVR(v, want));
     EXPECT_EQ(got, want);
     ZRRectMatrix p, q;
     for (const ZRMath_920::IZRRectMatrix * b :
@@ -100,8 +98,7 @@ TEST(ZRSparseRectMatrixProducts, EqualDenseCopyExactly) {
           b == &bs ? static_cast<const ZRMath_920::IZRRectMatrix &>(bd) : *b, q));
       ExpectSameMatrix(p, q);
     }
-    ASSERT_TRUE(a.ComputeProductMatrixTrans(ct, p));
-    ASSERT_TRUE(f.ComputeProductMatrixTrans(cd, q));
+    ASSERT_TRUE(a.ComputeProductMatrixTrans(ct, p) && f.ComputeProductMatrixTrans(cd, q));
     ExpectSameMatrix(p, q);
     ASSERT_TRUE(a.ComputeProductMatrixTrans(cd, p));
     ExpectSameMatrix(p, q);
@@ -117,8 +114,8 @@ TEST(ZRSparseRectMatrixProducts, EqualDenseCopyExactly) {
       for (int k = 0; k < sh.cols; ++k) EXPECT_EQ(a.DotProductCol(j, k), f.DotProductCol(j, k));
       EXPECT_EQ(a.ColNorm(j), f.ColNorm(j));
       Vec x(sh.rows + 2, 1.0), y = x;
-      EXPECT_TRUE(a.IncrVecByColumn(j, x, 1, sh.rows, -0.5, true));
-      EXPECT_TRUE(f.IncrVecByColumn(j, y, 1, sh.rows, -0.5, true));
+      EXPECT_TRUE(a.IncrVecByColumn(j, x, 1, sh.rows, -0.5, true) &&
+                  f.IncrVecByColumn(j, y, 1, sh.rows, -0.5, true));
       EXPECT_EQ(x, y);
     }
   }
@@ -128,22 +125,16 @@ TEST(ZRSparseRectMatrixProducts, BadArguments) {
   const ZRSparseRectMatrix a = RandomSparse(4, 5, 2, 1);
   ZRRectMatrix c(1, 1, true), wrong(3, 2, true);
   Vec out{9.0};
-  EXPECT_FALSE(a.ComputeRV(Vec(4), out));
-  EXPECT_FALSE(a.ComputeVR(Vec(3), out));
-  EXPECT_EQ(out, Vec{9.0});
-  EXPECT_FALSE(a.ComputeMatrixProduct(wrong, c));
   ZRSparseRectMatrix sparseOut(1, 1, 1);
-  EXPECT_FALSE(a.ComputeMatrixProduct(RandomDense(5, 2, 1), sparseOut));  // result is dense
-  EXPECT_FALSE(a.ComputeProductMatrixTrans(wrong, c));
-  EXPECT_EQ(c.GetNRows(), 1);
-  EXPECT_EQ(a.DotProductRows(0, 4), kMiss);
-  EXPECT_EQ(a.DotProductCol(5, 0), kMiss);
-  EXPECT_EQ(a.DotProductRowRow(0, wrong, 0), kMiss);
-  EXPECT_EQ(a.DotProductRowCol(0, wrong, 0), kMiss);
-  EXPECT_EQ(a.ColNorm(-1), kMiss);
-  EXPECT_EQ(a.RowNorm(4), kMiss);
   Vec v(3, 0.0);
-  EXPECT_FALSE(a.IncrVecByColumn(0, v, 0, 4, 1.0, true));  // runs past v
+  EXPECT_FALSE(a.ComputeRV(Vec(4), out) || a.ComputeVR(Vec(3), out) ||
+               a.ComputeMatrixProduct(wrong, c) || a.ComputeProductMatrixTrans(wrong, c) ||
+               a.ComputeMatrixProduct(RandomDense(5, 2, 1), sparseOut) ||  // result is dense
+               a.IncrVecByColumn(0, v, 0, 4, 1.0, true));                  // runs past v
+  EXPECT_TRUE(out == Vec{9.0} && c.GetNRows() == 1);
+  for (double got : {a.DotProductRows(0, 4), a.DotProductCol(5, 0), a.DotProductRowRow(0, wrong, 0),
+                     a.DotProductRowCol(0, wrong, 0), a.ColNorm(-1), a.RowNorm(4)})
+    EXPECT_EQ(got, kMiss);
 }
 
 // The corner block of a larger matrix: the w form against UpdateXX over the zero-padded
@@ -196,13 +187,12 @@ TEST(ZRSymMatrixSparse, UpdateXXCornerBlockMatchesDenseForms) {
   // Refusals leave the matrix unchanged.
   ZRSparseRectMatrix empty(4, q, 2);
   ASSERT_EQ(empty.AddRow(), 1);  // a row of empty slots: nothing stored
-  ZRSymMatrix big(q + 1, true), tiny(q - 1, true), order2(2, true);
+  ZRSymMatrix tiny(q - 1, true), order2(2, true);
   const ZRSymMatrix before = got;
-  EXPECT_FALSE(got.UpdateXXCornerBlock(r, Vec(n - 1, 1.0)));
-  EXPECT_FALSE(got.UpdateXXCornerBlock(r, order2));
-  EXPECT_FALSE(got.UpdateXXCornerBlock(empty, Vec(1, 1.0)));
-  EXPECT_FALSE(got.UpdateXXCornerBlock(empty, ZRSymMatrix(1, true)));
-  EXPECT_FALSE(tiny.UpdateXXCornerBlock(r, w));
+  EXPECT_FALSE(got.UpdateXXCornerBlock(r, Vec(n - 1, 1.0)) || got.UpdateXXCornerBlock(r, order2) ||
+               got.UpdateXXCornerBlock(empty, Vec(1, 1.0)) ||
+               got.UpdateXXCornerBlock(empty, ZRSymMatrix(1, true)) ||
+               tiny.UpdateXXCornerBlock(r, w));
   for (int k = 0; k < (off + q) * (off + q + 1) / 2; ++k)
     EXPECT_EQ(got.GetElem(k), before.GetElem(k));
   zrtest::AllocCounter counter;
@@ -291,8 +281,7 @@ TEST(ZRSparseVectorLogit, Refusals) {
     EXPECT_EQ(logRef, 4.0);
   }
   ASSERT_TRUE(x.ComputeProbabilities(Vec(3), 1, 3, probs, logRef));
-  EXPECT_EQ(probs, Vec{1.0});
-  EXPECT_EQ(logRef, 0.0);
+  EXPECT_TRUE(probs == Vec{1.0} && logRef == 0.0);
   EXPECT_FALSE(x.ComputeProbabilities(Vec{NAN, 0.0, 0.0, 1.0, 0.0, 0.0}, 3, 3, probs, logRef));
   EXPECT_TRUE(std::isnan(probs[2]) && std::isnan(logRef));
 }
@@ -321,11 +310,10 @@ TEST(ZRSparseVectorOuter, EqualDenseUpdates) {
   for (int k = 0; k < 36; ++k) EXPECT_EQ(s.GetElem(k), ref.GetElem(k)) << k;
 
   const ZRSymMatrix before = s;
-  EXPECT_FALSE(x.QuadraticOuterProductPartIncr(s, -1, 1.0));
-  EXPECT_FALSE(x.QuadraticOuterProductPartIncr(s, 4, 1.0));  // 4 + 4 is past order 8
-  EXPECT_FALSE(x.IncrementRowPart(s, 8, 0, 1.0));
-  EXPECT_FALSE(x.IncrementRowPart(s, -1, 0, 1.0));
-  EXPECT_FALSE(x.IncrementRowPart(s, 0, 4, 1.0));
+  EXPECT_FALSE(x.QuadraticOuterProductPartIncr(s, -1, 1.0) ||
+               x.QuadraticOuterProductPartIncr(s, 4, 1.0) ||  // 4 + 4 is past order 8
+               x.IncrementRowPart(s, 8, 0, 1.0) || x.IncrementRowPart(s, -1, 0, 1.0) ||
+               x.IncrementRowPart(s, 0, 4, 1.0));
   x.QuadraticOuterProductIncr(got = ZRSymMatrix(4, true), 1.0);  // too small: nothing
   for (int k = 0; k < 36; ++k) EXPECT_EQ(s.GetElem(k), before.GetElem(k));
 }
@@ -375,10 +363,8 @@ TEST(ZRSparseRectMatrixGrowth, ReserveRuleAcrossManyAddRows) {
 
 TEST(ZRSparseRectMatrixEdges, ElementsRowsAndSizes) {
   ZRSparseRectMatrix m(4, 6, 2);
-  const Idx i13{1, 3}, i15{1, 5}, i16{1, 6}, i1{1}, i11{1, 1}, none;
-  const Vec v2{2.0, 0.0}, v1{1.0}, v0;
-  EXPECT_FALSE(ZRSparseVector(i11, v2).IsValid());
-  EXPECT_FALSE(ZRSparseVector(none, v0).IsValid());
+  const Idx i13{1, 3}, i15{1, 5}, i16{1, 6}, i1{1};
+  const Vec v2{2.0, 0.0}, v1{1.0};
   EXPECT_EQ(m.AddRow(ZRSparseVector(i1, v1)), -1);   // count other than nz
   EXPECT_EQ(m.AddRow(ZRSparseVector(i16, v2)), -1);  // last index + 1 above the width
   ASSERT_EQ(m.AddRow(ZRSparseVector(i13, v2)), 1);
@@ -386,10 +372,8 @@ TEST(ZRSparseRectMatrixEdges, ElementsRowsAndSizes) {
   EXPECT_TRUE(m.SetElem(0, 2, 0.0));   // not stored, 0.0: true, nothing written
   EXPECT_FALSE(m.SetElem(0, 2, 1.0));  // not stored: can't be created
   EXPECT_TRUE(m.SetElem(0, 3, 7.0));   // a stored zero is an element
-  EXPECT_EQ(m.GetElem(0, 3), 7.0);
-  EXPECT_EQ(m.GetElem(0, 2), 0.0);
-  EXPECT_FALSE(m.SetRow(0, ZRSparseVector(i16, v2)));
-  EXPECT_FALSE(m.SetRow(2, ZRSparseVector(i13, v2)));
+  EXPECT_TRUE(m.GetElem(0, 3) == 7.0 && m.GetElem(0, 2) == 0.0);
+  EXPECT_FALSE(m.SetRow(0, ZRSparseVector(i16, v2)) || m.SetRow(2, ZRSparseVector(i13, v2)));
   Vec last;
   m.ExtractLastCol(last);
   EXPECT_EQ(last, (Vec{0.0, 0.0}));  // row 1 stores column 5, but its value is 0.0
@@ -397,10 +381,8 @@ TEST(ZRSparseRectMatrixEdges, ElementsRowsAndSizes) {
   m.ExtractLastCol(last);
   EXPECT_EQ(last, (Vec{0.0, 4.5}));
   EXPECT_TRUE(m.ZeroOutRowPart(1, 0, 6));  // Intended: to may equal the width
-  EXPECT_FALSE(m.ZeroOutRowPart(1, 0, 7));
-  EXPECT_FALSE(m.ZeroOutRowPart(1, 3, 2));
-  EXPECT_EQ(m.GetElem(1, 5), 0.0);
-  EXPECT_TRUE(m.IsRowZero(1));
+  EXPECT_FALSE(m.ZeroOutRowPart(1, 0, 7) || m.ZeroOutRowPart(1, 3, 2));
+  EXPECT_TRUE(m.GetElem(1, 5) == 0.0 && m.IsRowZero(1));
   m.Clear();
   EXPECT_EQ(m.GetElem(0, 1), 0.0);  // a cleared row: every slot empty
   EXPECT_FALSE(m.SetElem(0, 1, 1.0));
@@ -434,13 +416,11 @@ TEST(ZRSparseRectMatrixEdges, ElementsRowsAndSizes) {
   }
 
   // Sizes: validity, Resize lowering nz, SetNRowsCols storing a width of 0.
-  EXPECT_FALSE(ZRSparseRectMatrix(0, 3, 2).IsValidMatrix());
-  EXPECT_FALSE(ZRSparseRectMatrix(2, 3, 4).IsValidMatrix());
+  EXPECT_FALSE(ZRSparseRectMatrix(0, 3, 2).IsValidMatrix() ||
+               ZRSparseRectMatrix(2, 3, 4).IsValidMatrix());
   ZRSparseRectMatrix r = RandomSparse(3, 5, 3, 2);
-  EXPECT_TRUE(r.Resize(20, 2));
-  EXPECT_TRUE(r.IsValidMatrix());
-  EXPECT_EQ(r.GetNNZRowElements(), 2);
-  EXPECT_EQ(r.GetNRows(), 20);
+  EXPECT_TRUE(r.Resize(20, 2) && r.IsValidMatrix());
+  EXPECT_TRUE(r.GetNNZRowElements() == 2 && r.GetNRows() == 20);
   EXPECT_TRUE(r.SetNRowsCols(5, 1, true));
   EXPECT_EQ(r.GetNCols(), 0);  // Intended: a width below nz is stored as 0
   EXPECT_FALSE(r.IsValidMatrix());

@@ -9,6 +9,7 @@
 
 #include "support/colmajor.h"
 #include "support/lapack.h"
+#include "support/matrixconv.h"
 #include "support/symmatrices.h"
 #include "support/watchdog.h"
 #include "zrcommon920r/common/numconst.h"
@@ -20,6 +21,8 @@ using ZRMath_920::ZRBitSet;
 using ZRMath_920::ZRSymMatrix;
 using zrtest::ColMatrix;
 using zrtest::FromSym;
+using zrtest::Packed;
+using zrtest::SymFromRows;
 using zrtest::ToSym;
 using Vec = std::vector<double>;
 
@@ -32,31 +35,9 @@ Vec Diagonal(const ZRSymMatrix & a) {
   return d;
 }
 
-ZRSymMatrix FromRows(int n, const Vec & lowerByRows) {
-  ZRSymMatrix s(n, true);
-  for (int k = 0; k < static_cast<int>(lowerByRows.size()); ++k) s.SetElem(k, lowerByRows[k]);
-  return s;
-}
-
-Vec Packed(const ZRSymMatrix & s) {
-  Vec v(s.GetNRows() * (s.GetNRows() + 1) / 2);
-  for (int k = 0; k < static_cast<int>(v.size()); ++k) v[k] = s.GetElem(k);
-  return v;
-}
-
 // 4 4 2 / 4 4 2 / 2 2 5: row 1 duplicates row 0, so L = (2; 2 0; 1 0 2) exactly.
 ZRSymMatrix Duplicated() {
-  return FromRows(3, {4, 4, 4, 2, 2, 5});
-}
-
-TEST(ZRSymMatrixCholesky, FactorReproducesMatrix) {
-  for (int n : {1, 2, 7, 60}) {
-    SCOPED_TRACE(n);
-    const ZRSymMatrix a = zrtest::RandomSpd(n, /*seed=*/n);
-    ZRSymMatrix l = a;
-    ASSERT_EQ(l.LTChol(Diagonal(a), 1e-12, true), 0);
-    EXPECT_LT(zrtest::FactorResidualRatio(a, l), kRatio);
-  }
+  return SymFromRows(3, {4, 4, 4, 2, 2, 5});
 }
 
 TEST(ZRSymMatrixCholesky, DuplicatedRowGivesOneZeroColumn) {
@@ -97,13 +78,13 @@ TEST(ZRSymMatrixCholesky, PivotEqualToToleranceIsRedundant) {
                      {__LINE__, 0.0, 0.0, 0}};
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
-    ZRSymMatrix a = FromRows(2, {4, 2, 2});
+    ZRSymMatrix a = SymFromRows(2, {4, 2, 2});
     EXPECT_EQ(a.LTChol({4.0, c.d1}, c.tol, true), c.want);
     EXPECT_EQ(a.GetElem(1, 1), c.want ? 0.0 : 1.0);
   }
   // Intended: the minPivot form measures both pivots against the largest diagonal, 4;
   // minPivot is the smallest diagonal element of L, here 0.0 and then L(1, 1) = 1.
-  ZRSymMatrix a = FromRows(2, {4, 2, 2}), b = FromRows(3, {4, 2, 2, 0, 0, 9});
+  ZRSymMatrix a = SymFromRows(2, {4, 2, 2}), b = SymFromRows(3, {4, 2, 2, 0, 0, 9});
   double minPivot = 1.0;
   EXPECT_EQ(a.LTChol(0.25, minPivot, true), 1);
   EXPECT_EQ(minPivot, 0.0);
@@ -113,7 +94,7 @@ TEST(ZRSymMatrixCholesky, PivotEqualToToleranceIsRedundant) {
 
 TEST(ZRSymMatrixCholesky, FailureValuesLeaveMatrixUnchanged) {
   const double nan = std::nan("");
-  const ZRSymMatrix orig = FromRows(2, {4, 2, 2});
+  const ZRSymMatrix orig = SymFromRows(2, {4, 2, 2});
   struct {
     int line;
     Vec diag;
@@ -139,7 +120,7 @@ TEST(ZRSymMatrixCholesky, FailureValuesLeaveMatrixUnchanged) {
   EXPECT_EQ(empty.LTChol(Vec(), 0.1, true), 0);
 
   // The solves and the factor's updates: false or -1, the output and factor unchanged.
-  ZRSymMatrix l = FromRows(2, {2, 1, 4}), zero = FromRows(2, {0, 1, 4});
+  ZRSymMatrix l = SymFromRows(2, {2, 1, 4}), zero = SymFromRows(2, {0, 1, 4});
   ZRSymMatrix dup = Duplicated(), zero2(2, true), none;
   Vec x = {7.0}, c(2), s(2), shortC(1);
   const ZRBitSet noBits(2), shortSet(1);
@@ -177,11 +158,14 @@ TEST(ZRSymMatrixDeterminant, ExactCases) {
     ZRSymMatrix a;
     bool ok;
     double det0, det1;
-  } const cases[] = {{__LINE__, FromRows(1, {0.04}), true, 4.0, -2.0},
-                     {__LINE__, Duplicated(), true, 0.0, 0.0},
-                     {__LINE__, FromRows(2, {100, 0, 100}), true, 1.0, 4.0},
-                     {__LINE__, FromRows(2, {-1, 0, -1}), true, 0.0, 0.0},  // not positive definite
-                     {__LINE__, ZRSymMatrix(), false, kNone, kNone}};
+  } const cases[] = {
+      {__LINE__, SymFromRows(1, {0.04}), true, 4.0, -2.0},
+      {__LINE__, Duplicated(), true, 0.0, 0.0},
+      {__LINE__, SymFromRows(2, {100, 0, 100}), true, 1.0, 4.0},
+      {__LINE__, SymFromRows(2, {-1, 0, -1}), true, 0.0, 0.0},  // not positive definite
+      // Each pivot against the largest diagonal: a span past 1 / tol is singular.
+      {__LINE__, SymFromRows(2, {1, 0, 1e-13}), true, 0.0, 0.0},
+      {__LINE__, ZRSymMatrix(), false, kNone, kNone}};
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
     double det[2] = {kNone, kNone};
@@ -223,7 +207,7 @@ TEST(ZRSymMatrixDeterminant, LtDetInverseJobDigits) {
                      {__LINE__, 0, false, false}};
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
-    ZRSymMatrix l = FromRows(2, {2, 1, 4});  // L = (2; 1 4), det 8, L^-1 = (0.5; -0.125 0.25)
+    ZRSymMatrix l = SymFromRows(2, {2, 1, 4});  // L = (2; 1 4), det 8, L^-1 = (0.5; -0.125 0.25)
     double det[2] = {-7.0, -7.0};
     EXPECT_EQ(l.LTDetInverse(det, c.job), 0);
     EXPECT_EQ(Vec(det, det + 2), (c.det ? Vec{8.0, 0.0} : Vec{-7.0, -7.0}));
@@ -345,7 +329,7 @@ TEST(ZRSymMatrixIndefinite, SolvesFullRankAndSingularSystems) {
 }
 
 TEST(ZRSymMatrixPositiveDefinite, ShiftMakesMatrixFactor) {
-  ZRSymMatrix id = FromRows(3, {1, 0, 1, 0, 0, 1});
+  ZRSymMatrix id = SymFromRows(3, {1, 0, 1, 0, 0, 1});
   bool changed = true;
   double shift = 5.0;
   EXPECT_EQ(id.TransformToPositiveDefinite(1e-8, changed, shift), 1);
@@ -367,7 +351,7 @@ TEST(ZRSymMatrixPositiveDefinite, ShiftMakesMatrixFactor) {
     const double ratio = s.GetElem(1, 0) / a(1, 0);
     EXPECT_NEAR(s.GetElem(0, 0), (a(0, 0) + shift) * ratio, 1e-14);
   }
-  ZRSymMatrix one(1, true), nan = FromRows(2, {1, std::nan(""), 1});
+  ZRSymMatrix one(1, true), nan = SymFromRows(2, {1, std::nan(""), 1});
   EXPECT_EQ(one.TransformToPositiveDefinite(1e-8, changed, shift), -1);
   EXPECT_EQ(id.TransformToPositiveDefinite(0.0, changed, shift), -2);
   EXPECT_EQ(nan.TransformToPositiveDefinite(1e-8, changed, shift), -3);
@@ -381,7 +365,7 @@ TEST(ZRSymMatrixPositiveDefinite, ShiftSearchFailsCleanlyOrEnds) {
   constexpr double kMax = 1.7976931348623157e308;
   for (double big : {kMax, -kMax}) {
     SCOPED_TRACE(big);
-    ZRSymMatrix a = FromRows(3, {big, 0.5, -1.0, 0.0, 0.0, 1.0});
+    ZRSymMatrix a = SymFromRows(3, {big, 0.5, -1.0, 0.0, 0.0, 1.0});
     const Vec before = Packed(a);
     bool changed = true;
     double shift = 5.0;

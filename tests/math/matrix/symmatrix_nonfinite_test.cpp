@@ -130,18 +130,8 @@ TEST(ZRSymMatrixNonFinite, SolveDropsRowsAndDeterminantIsZero) {
     }
     double det[2] = {7.0, 7.0};
     EXPECT_TRUE(a.ComputeDeterminant(kTol, det));
-    EXPECT_EQ(det[0], 0.0);
-    EXPECT_EQ(det[1], 0.0);
+    EXPECT_TRUE(det[0] == 0.0 && det[1] == 0.0) << det[0] << " " << det[1];
   }
-  // Every pivot is measured against the largest diagonal element there: a valid matrix
-  // whose diagonal spans more than 1 / tol has determinant 0.0.
-  ZRSymMatrix wide(2, true);
-  wide.SetElem(0, 0, 1.0);
-  wide.SetElem(1, 1, 1e-13);
-  double det[2] = {7.0, 7.0};
-  EXPECT_TRUE(wide.ComputeDeterminant(1e-12, det));
-  EXPECT_EQ(det[0], 0.0);
-  EXPECT_EQ(det[1], 0.0);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/colmajor.h"
+#include "support/matrixconv.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -25,9 +26,12 @@ using ZRMath_920::IZRSymMatrix;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 using zrtest::ColMatrix;
+using zrtest::FromRect;
 using zrtest::FromSym;
 using zrtest::LowerFromSym;
 using zrtest::Multiply;
+using zrtest::Packed;
+using zrtest::ToRect;
 using zrtest::Transposed;
 using Vec = std::vector<double>;
 
@@ -68,18 +72,6 @@ ZRSymMatrix RandSym(int n, unsigned seed) {
 Vec RandVec(int n, unsigned seed) {
   return zrtest::RandomGeneral(n, 1, seed).a;
 }
-ZRRectMatrix ToRect(const ColMatrix & a) {
-  ZRRectMatrix r(a.rows, a.cols, true);
-  for (int i = 0; i < a.rows; ++i)
-    for (int j = 0; j < a.cols; ++j) r.SetElem(i, j, a(i, j));
-  return r;
-}
-ColMatrix FromRect(const IZRRectMatrix & r) {
-  ColMatrix a(r.GetNRows(), r.GetNCols());
-  for (int i = 0; i < a.rows; ++i)
-    for (int j = 0; j < a.cols; ++j) a(i, j) = r.GetElem(i, j);
-  return a;
-}
 ColMatrix Col(const Vec & v) {
   ColMatrix a(static_cast<int>(v.size()), 1);
   a.a = v;
@@ -88,11 +80,6 @@ ColMatrix Col(const Vec & v) {
 ColMatrix Abs(ColMatrix a) {
   for (double & x : a.a) x = std::fabs(x);
   return a;
-}
-Vec Packed(const ZRSymMatrix & s) {
-  Vec v;
-  for (int k = 0; k < s.GetNRows() * (s.GetNRows() + 1) / 2; ++k) v.push_back(s.GetElem(k));
-  return v;
 }
 
 // Largest |got - want| / (u bound) over the elements (i >= j only when lower), want the

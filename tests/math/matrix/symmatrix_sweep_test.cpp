@@ -11,6 +11,7 @@
 
 #include "support/colmajor.h"
 #include "support/lapack.h"
+#include "support/matrixconv.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -22,6 +23,7 @@ using ZRMath_920::ZRSymMatrix;
 using zrtest::ColMatrix;
 using zrtest::FromSym;
 using zrtest::Norm1;
+using zrtest::Packed;
 using Vec = std::vector<double>;
 
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -32,12 +34,6 @@ class NotDense : public ZRSymMatrix {
   using ZRSymMatrix::ZRSymMatrix;
   SymMatrixType GetType() const override { return kDiagSymMatrix; }
 };
-
-Vec Packed(const ZRSymMatrix & s) {
-  Vec v(s.GetNRows() * (s.GetNRows() + 1) / 2);
-  for (std::size_t k = 0; k < v.size(); ++k) v[k] = s.GetElem(static_cast<int>(k));
-  return v;
-}
 
 std::vector<std::uint64_t> Bits(const ZRSymMatrix & s) {
   const Vec v = Packed(s);

@@ -9,6 +9,7 @@
 
 #include "support/capture.h"
 #include "support/colmajor.h"
+#include "support/matrixconv.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 
@@ -19,20 +20,9 @@ using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
 using zrtest::ColMatrix;
 using zrtest::FromSym;
+using zrtest::Packed;
+using zrtest::SymFromRows;
 using Vec = std::vector<double>;
-
-ZRSymMatrix FromRows(int n, const Vec & lowerByRows) {
-  ZRSymMatrix s(n, true);
-  for (int k = 0; k < static_cast<int>(lowerByRows.size()); ++k) s.SetElem(k, lowerByRows[k]);
-  return s;
-}
-
-Vec Packed(const ZRSymMatrix & s) {
-  Vec v;
-  const int n = s.GetNRows();
-  for (int k = 0; k < n * (n + 1) / 2; ++k) v.push_back(s.GetElem(k));
-  return v;
-}
 
 Vec RowMajor(const ZRRectMatrix & r) {
   Vec v;
@@ -85,7 +75,7 @@ TEST(ZRSymMatrixStorage, SizesAllocationFailureAndResize) {
   EXPECT_FALSE(m.Resize(65536));
   EXPECT_TRUE(m.Resize(2));  // an invalid matrix can be sized again
   EXPECT_EQ(Packed(m), Vec(3, 0.0));
-  m = FromRows(3, {1, 2, 3, 4, 5, 6});
+  m = SymFromRows(3, {1, 2, 3, 4, 5, 6});
   ASSERT_TRUE(m.Resize(2));  // packed by rows: the leading triangle stays
   EXPECT_EQ(Packed(m), (Vec{1, 2, 3}));
   ASSERT_TRUE(m.Resize(3));
@@ -124,7 +114,7 @@ TEST(ZRSymMatrixAccess, RowsWalkAlongAndDownThePackedTriangle) {
 
 TEST(ZRSymMatrixAccess, IsZeroRowLooksAtSetColumnsOnly) {
   // Row 1 of 0 1 0 / 1 0 NaN / 0 NaN 5: non-zero in columns 0 and 2 only.
-  const ZRSymMatrix m = FromRows(3, {0, 1, 0, 0, std::nan(""), 5});
+  const ZRSymMatrix m = SymFromRows(3, {0, 1, 0, 0, std::nan(""), 5});
   struct {
     int line, row;
     std::vector<bool> set;
@@ -141,10 +131,10 @@ TEST(ZRSymMatrixAccess, IsZeroRowLooksAtSetColumnsOnly) {
 }
 
 TEST(ZRSymMatrixArithmetic, AXpYReadsDenseAndOtherMatrices) {
-  ZRSymMatrix m = FromRows(2, {1, 2, 3});
+  ZRSymMatrix m = SymFromRows(2, {1, 2, 3});
   Derived d(2, true);
   d.SetElem(1, 0, 10.0);
-  ASSERT_TRUE(m.ComputeAXpY(2.0, FromRows(2, {1, 1, 1})) && m.ComputeAXpY(-1.0, d));
+  ASSERT_TRUE(m.ComputeAXpY(2.0, SymFromRows(2, {1, 1, 1})) && m.ComputeAXpY(-1.0, d));
   EXPECT_EQ(Packed(m), (Vec{3, -6, 5}));
   EXPECT_FALSE(m.ComputeAXpY(1.0, ZRSymMatrix(3, true)));
   m.ChangeSign();
@@ -155,19 +145,19 @@ TEST(ZRSymMatrixArithmetic, AXpYReadsDenseAndOtherMatrices) {
 
 TEST(ZRSymMatrixDiagonal, CheckedDiagonalsAndExtremes) {
   Vec d;
-  FromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonal(d, 0.5, 7.0);  // Intended: lo, hi ignored
+  SymFromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonal(d, 0.5, 7.0);  // Intended: lo, hi ignored
   EXPECT_EQ(d, (Vec{4, 4, 4}));
-  FromRows(2, {-1, 0, -2}).GetNCheckDiagonal(d, 0.5, 7.0);
+  SymFromRows(2, {-1, 0, -2}).GetNCheckDiagonal(d, 0.5, 7.0);
   EXPECT_EQ(d, (Vec{0, 0}));
-  FromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonalOld(d, 3.0, 7.0);  // Intended: the old rule
+  SymFromRows(3, {1, 9, 4, 9, 9, 2}).GetNCheckDiagonalOld(d, 3.0, 7.0);  // Intended: the old rule
   EXPECT_EQ(d, (Vec{7, 4, 7}));
 
   double maxD = 1, minD = 2, maxO = 3, minO = 4;
   ZRSymMatrix().MaxMinDiagOffDiag(maxD, minD, maxO, minO);
   EXPECT_EQ(Vec({maxD, minD, maxO, minO}), (Vec{1, 2, 3, 4}));  // untouched
-  FromRows(3, {1, -7, 4, 8, 0.5, -2}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
+  SymFromRows(3, {1, -7, 4, 8, 0.5, -2}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
   EXPECT_EQ(Vec({maxD, minD, maxO, minO}), (Vec{4, -2, 8, -7}));
-  FromRows(1, {3}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
+  SymFromRows(1, {3}).MaxMinDiagOffDiag(maxD, minD, maxO, minO);
   EXPECT_EQ(Vec({maxO, minO}), (Vec{-1.7976931348623157e308, 1.7976931348623157e308}));
 
   ZRSymMatrix m(3, true);
@@ -178,19 +168,19 @@ TEST(ZRSymMatrixDiagonal, CheckedDiagonalsAndExtremes) {
 }
 
 TEST(ZRSymMatrixDiagonal, RepairsOfDiagonalAndCorrelations) {
-  ZRSymMatrix m = FromRows(4, {8, 1, -1, 2, 3, 0.8, 4, 5, 6, 0.08});
+  ZRSymMatrix m = SymFromRows(4, {8, 1, -1, 2, 3, 0.8, 4, 5, 6, 0.08});
   ASSERT_TRUE(m.ReplaceDiagZeroes(0.1));  // 0.1 = 0.8 / 8 is not above eps: replaced
   EXPECT_EQ(Packed(m), (Vec{8, 1, 8, 2, 3, 8, 4, 5, 6, 8}));
-  ZRSymMatrix neg = FromRows(2, {-1, 0, 0});
+  ZRSymMatrix neg = SymFromRows(2, {-1, 0, 0});
   EXPECT_FALSE(m.ReplaceDiagZeroes(-0.1) || neg.ReplaceDiagZeroes(0.1));
 
-  ZRSymMatrix a = FromRows(3, {1, 1, 2, 1, 1, 3}), b = FromRows(3, {1, 1, 0, 1, 1, 3});
+  ZRSymMatrix a = SymFromRows(3, {1, 1, 2, 1, 1, 3}), b = SymFromRows(3, {1, 1, 0, 1, 1, 3});
   ASSERT_TRUE(a.SetCovarZeros(b));  // row 1 has no variance in b
   EXPECT_EQ(Packed(a), (Vec{1, 0, 0, 1, 0, 3}));
   EXPECT_EQ(Packed(b), Packed(a));
   EXPECT_FALSE(a.SetCovarZeros(neg));
 
-  ZRSymMatrix c = FromRows(3, {1, 1.5, 1, -1, 0.99, 1});
+  ZRSymMatrix c = SymFromRows(3, {1, 1.5, 1, -1, 0.99, 1});
   ASSERT_TRUE(c.AdjustOffDiagCorr(0.25));
   EXPECT_EQ(Packed(c), (Vec{1, 0.75, 1, -0.75, 0.99, 1}));
   EXPECT_FALSE(c.AdjustOffDiagCorr(1.0) || c.AdjustOffDiagCorr(-0.1));
@@ -198,22 +188,22 @@ TEST(ZRSymMatrixDiagonal, RepairsOfDiagonalAndCorrelations) {
 
 TEST(ZRSymMatrixZeroing, ThresholdsAtTheirBoundaries) {
   // Off-diagonal 0.5 against tol x sqrt(4 x 1) = 0.5: "not above" zeroes it.
-  ZRSymMatrix m = FromRows(3, {4, 0.5, 1, 0.50001, -0.2, 1});
+  ZRSymMatrix m = SymFromRows(3, {4, 0.5, 1, 0.50001, -0.2, 1});
   m.ZeroOutNonDiag(0.25);
   EXPECT_EQ(Packed(m), (Vec{4, 0, 1, 0.50001, 0, 1}));
   m.ZeroOutNonDiag(0.0);  // nothing without a positive tol
   EXPECT_EQ(m.GetElem(2, 0), 0.50001);
 
-  ZRSymMatrix s = FromRows(3, {-10, 0.999, 2, 1, -1, 0.5});
+  ZRSymMatrix s = SymFromRows(3, {-10, 0.999, 2, 1, -1, 0.5});
   s.ZeroOutAllSmall(0.1);  // below 0.1 x 10, diagonal included
   EXPECT_EQ(Packed(s), (Vec{-10, 0, 2, 1, -1, 0}));
 
   // Running maximum 0, 4, 4, 4: rows 0 (maximum still 0) and 2 (0.1 / 4 < tol) go.
-  ZRSymMatrix r = FromRows(4, {0, 1, 4, 1, 1, 0.1, 1, 1, 1, 2});
+  ZRSymMatrix r = SymFromRows(4, {0, 1, 4, 1, 1, 0.1, 1, 1, 1, 2});
   r.ZeroOutRowsForSmallDiag(0.05);
   EXPECT_EQ(Packed(r), (Vec{0, 0, 4, 0, 0, 0, 0, 1, 0, 2}));
 
-  ZRSymMatrix z = FromRows(3, {1, 2, 3, 4, 5, 6});
+  ZRSymMatrix z = SymFromRows(3, {1, 2, 3, 4, 5, 6});
   EXPECT_FALSE(z.ZeroOutRedundant(Bits({true, false})));
   ASSERT_TRUE(z.ZeroOutRedundant(Bits({true, false, true})));
   EXPECT_EQ(Packed(z), (Vec{1, 0, 0, 4, 0, 6}));
@@ -240,13 +230,13 @@ TEST(ZRSymMatrixSubmatrix, DeleteExtractAndExpand) {
   EXPECT_EQ(one.GetNRows(), 0);
 
   // Rows 0..2 of a 3 x 3 go to the set bits 1, 3, 4 of a 6-bit set; rows 0, 2, 5 are zero.
-  ZRSymMatrix small = FromRows(3, {1, 2, 3, 4, 5, 6}), big;
+  ZRSymMatrix small = SymFromRows(3, {1, 2, 3, 4, 5, 6}), big;
   small.Expand(Bits({false, true, false, true, true, false}), big);
   ExpectPicked(FromSym(big), FromSym(small), {-1, 0, -1, 1, 2, -1});
 }
 
 TEST(ZRSymMatrixSubmatrix, BorderedMatricesAndCopiesIntoColumns) {
-  const ZRSymMatrix s = FromRows(2, {1, 2, 3});
+  const ZRSymMatrix s = SymFromRows(2, {1, 2, 3});
   ZRRectMatrix r(1, 2, true), rect;
   r.SetElem(0, 0, 7.0);
   r.SetElem(0, 1, 8.0);
@@ -257,13 +247,13 @@ TEST(ZRSymMatrixSubmatrix, BorderedMatricesAndCopiesIntoColumns) {
   EXPECT_FALSE(s.ExpandSym(ZRRectMatrix(1, 3, true), sym) ||
                ZRSymMatrix().ExpandSymToRect(ZRRectMatrix(1, 0, true), rect));
 
-  ZRSymMatrix t = FromRows(3, {9, 9, 9, 9, 9, 9});
+  ZRSymMatrix t = SymFromRows(3, {9, 9, 9, 9, 9, 9});
   ASSERT_TRUE(t.ReplaceFirstRows(s, 2));
   EXPECT_EQ(Packed(t), (Vec{1, 2, 3, 9, 9, 9}));
   EXPECT_FALSE(t.ReplaceFirstRows(s, 3));
 
   // Rows 0 and 2 of 1 2 4 / 2 3 5 / 4 5 6, first 3 elements each, into columns 1 and 2.
-  const ZRSymMatrix m = FromRows(3, {1, 2, 3, 4, 5, 6});
+  const ZRSymMatrix m = SymFromRows(3, {1, 2, 3, 4, 5, 6});
   ZRRectMatrix h(3, 3, true);
   ZRBitSet done;
   int cols = 1;
@@ -280,7 +270,7 @@ TEST(ZRSymMatrixSubmatrix, BorderedMatricesAndCopiesIntoColumns) {
 
 TEST(ZRSymMatrixModelChecks, GmgDependenciesAndCoefficients) {
   const ZRSymMatrix g(3, true);
-  ZRSymMatrix s = FromRows(3, {2, 1, 0, 1, 1, 5});
+  ZRSymMatrix s = SymFromRows(3, {2, 1, 0, 1, 1, 5});
   ZRBitSet neg;
   bool allGone = true;
   int count = -1;
@@ -302,15 +292,15 @@ TEST(ZRSymMatrixModelChecks, GmgDependenciesAndCoefficients) {
               w.CheckMDependent(5, M, Bits({true, true, true, true, true}), 1e-10) == -1);
 
   Vec b;
-  ASSERT_TRUE(FromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({false, true})));
+  ASSERT_TRUE(SymFromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({false, true})));
   EXPECT_EQ(b, (Vec{0, 5}));
-  EXPECT_FALSE(FromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({true})));
+  EXPECT_FALSE(SymFromRows(3, {1, 2, 3, 4, 5, 6}).GetRegCoeffs(b, Bits({true})));
   ASSERT_TRUE(ZRSymMatrix(1, true).GetRegCoeffs(b, Bits({})));
   EXPECT_TRUE(b.empty());
 }
 
 TEST(ZRSymMatrixDisplay, ExactText) {
-  const ZRSymMatrix m = FromRows(2, {1, 2.5, -3});
+  const ZRSymMatrix m = SymFromRows(2, {1, 2.5, -3});
   zrtest::DisplayCapture cap;
   m.Display();
   EXPECT_EQ(cap.Text(),

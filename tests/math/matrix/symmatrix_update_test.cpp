@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/colmajor.h"
+#include "support/matrixconv.h"
 #include "support/symmatrices.h"
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
@@ -16,16 +17,11 @@ namespace {
 using ZRMath_920::ZRBitSet;
 using ZRMath_920::ZRRectMatrix;
 using ZRMath_920::ZRSymMatrix;
+using zrtest::Packed;
 using Vec = std::vector<double>;
 
 constexpr double kEps = 2.220446049250313e-16;
 constexpr int kN = 7;
-
-Vec Packed(const ZRSymMatrix & s) {
-  Vec v(s.GetNRows() * (s.GetNRows() + 1) / 2);
-  for (int k = 0; k < static_cast<int>(v.size()); ++k) v[k] = s.GetElem(k);
-  return v;
-}
 
 // s0 + w sum_r x_r x_r' element by element in long double; every element within a few
 // roundings of its terms' magnitude.
