@@ -50,6 +50,7 @@ std::string Shown(const ZRURandom & u) {
 }
 
 TEST(ZRRandomTwister, WordsAndConversionsMatchNumpy) {  // data: mt19937_words.csv
+  // Row 5489,9999 is the reference implementation's published check value, 4123659995.
   std::map<double, std::vector<std::uint32_t>> streams;
   for (const auto & row : LoadRefTable("math/random/mt19937_words.csv", 2)) {
     SCOPED_TRACE(row.where);
@@ -76,22 +77,14 @@ TEST(ZRRandomTwister, WordsAndConversionsMatchNumpy) {  // data: mt19937_words.c
   }
 }
 
-TEST(ZRRandomTwister, PublishedCheckValuesAndUnseededStart) {
+TEST(ZRRandomTwister, NeverSeededDrawsAsSeededWith5489) {
   ZRRandomTwister seeded, unseeded;
   seeded.Initialize(5489);
-  // The reference implementation's check value: word 10000 after init_genrand(5489).
-  EXPECT_EQ(Words(seeded, 9999).back(), 4123659995u);
-  // Never seeded draws as seeded with 5489 (3499211612 is that stream's first word).
-  EXPECT_EQ(unseeded.GetInteger32(), 3499211612u);
-  // init_by_array({0x123, 0x234, 0x345, 0x456}): the reference's published first outputs.
-  std::uint32_t key[] = {0x123, 0x234, 0x345, 0x456};
-  ZRRandomTwister byKey;
-  byKey.InitByArray(key, 4);
-  EXPECT_EQ(Words(byKey, 4), (std::vector<std::uint32_t>{1067595299u, 955945823u, 477289528u,
-                                                         4107218783u, 4228976476u}));
+  EXPECT_EQ(Words(unseeded, 9), Words(seeded, 9));
 }
 
 TEST(ZRRandomTwister, KeySeedingMatchesNumpy) {  // data: mt19937_keys.csv, keys as mt19937.py
+  // Key 0's first five words are the reference's published init_by_array outputs.
   std::vector<std::uint32_t> keys[3] = {{0x123, 0x234, 0x345, 0x456}, {7, 11}, {}};
   for (std::uint32_t i = 0; i < 700; ++i) keys[2].push_back((i * 2654435761u) + 12345u);
   std::vector<std::uint32_t> words[3];

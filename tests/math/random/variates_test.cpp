@@ -53,6 +53,16 @@ class Script : public ZRRNGenerator, public ZRRandom {
   std::size_t fnUsed = 0;
 };
 
+// ZRRandomValues drawing from a script through a ZRURandom.
+struct ScriptedValues {
+  explicit ScriptedValues(std::vector<double> uniforms = {}) : script(std::move(uniforms)) {
+    values.SetURNGPtr(&source);
+  }
+  Script script;
+  ZRURandom source{1, true, true, &script};
+  ZRRandomValues values;
+};
+
 struct ScriptCase {
   int line;
   std::vector<double> uniforms;
@@ -88,17 +98,15 @@ TEST(ZRRNGNormal, EveryRegionOnScriptedUniforms) {
   };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
-    Script normalScript(c.uniforms), valuesScript(c.uniforms);
+    Script normalScript(c.uniforms);
     ZRRNGNormal normal;
     normal.SetURNGenerator(normalScript);
     EXPECT_NEAR(normal.GetNext(), c.want, kTol);
     EXPECT_EQ(normalScript.Used(), c.used);
     // ZRRandomValues's RVSNor is the same routine on a ZRURandom.
-    ZRURandom source(1, true, true, &valuesScript);
-    ZRRandomValues values;
-    values.SetURNGPtr(&source);
-    EXPECT_NEAR(values.RVSNor(), c.want, kTol);
-    EXPECT_EQ(valuesScript.Used(), c.used);
+    ScriptedValues v(c.uniforms);
+    EXPECT_NEAR(v.values.RVSNor(), c.want, kTol);
+    EXPECT_EQ(v.script.Used(), c.used);
   }
 }
 
@@ -226,20 +234,14 @@ TEST(ZRRNGBinomial, CertainSuccessCountsEveryTrialAfterSplitting) {
 TEST(ZRRNGenerators, OwnedSourcesAreCopiedAndCallersShared) {
   // Each generator makes its congruential source at first use; a copy continues from a
   // duplicate of it, so the original and the copy give the same values.
-  ZRRNGNormal normal(1.0, 2.0);
-  ZRRNGBeta beta(2.5, 3.5);
-  ZRRNGBinomial binomial(500.0, 0.3);
-  normal.GetNext();
-  beta.GetNext();
-  binomial.GetNext();
-  ZRRNGNormal normalCopy(normal);
-  ZRRNGBeta betaCopy(beta);
-  ZRRNGBinomial binomialCopy(binomial);
-  for (int i = 0; i < 5; ++i) {
-    EXPECT_EQ(normalCopy.GetNext(), normal.GetNext());
-    EXPECT_EQ(betaCopy.GetNext(), beta.GetNext());
-    EXPECT_EQ(binomialCopy.GetNext(), binomial.GetNext());
-  }
+  const auto copyContinues = [](auto original) {
+    original.GetNext();
+    auto copy = original;
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(copy.GetNext(), original.GetNext());
+  };
+  copyContinues(ZRRNGNormal(1.0, 2.0));
+  copyContinues(ZRRNGBeta(2.5, 3.5));
+  copyContinues(ZRRNGBinomial(500.0, 0.3));
   // The default source is the congruential generator from state 1; SetSeed reaches it.
   ZRRNGBeta uniform;
   ZRRNGUCongruential reference;
@@ -290,27 +292,17 @@ TEST(ZRRandomValuesGamma, EveryRouteOnScriptedUniforms) {
   };
   for (const auto & c : cases) {
     SCOPED_TRACE(c.line);
-    Script script(c.uniforms);
-    ZRURandom source(1, true, true, &script);
-    ZRRandomValues values;
-    values.SetURNGPtr(&source);
-    const double got = values.RVGam(c.shape, c.rate);
-    EXPECT_NEAR(got, c.want, kTol * std::fabs(c.want));
-    EXPECT_EQ(script.Used(), c.used);
+    ScriptedValues v(c.uniforms);
+    EXPECT_NEAR(v.values.RVGam(c.shape, c.rate), c.want, kTol * std::fabs(c.want));
+    EXPECT_EQ(v.script.Used(), c.used);
   }
   // Intended: shape 1 with u == 1 is miss / rate.
-  Script one({1.0});
-  ZRURandom source(1, true, true, &one);
-  ZRRandomValues values;
-  values.SetURNGPtr(&source);
-  EXPECT_EQ(values.RVGam(1.0, 4.0), kMiss / 4.0);
+  EXPECT_EQ(ScriptedValues(std::vector<double>{1.0}).values.RVGam(1.0, 4.0), kMiss / 4.0);
 }
 
 TEST(ZRRandomValuesGamma, SecondParameterDividesAndChiSquareHalves) {
-  Script script({}, 0.5);
-  ZRURandom source(1, true, true, &script);
-  ZRRandomValues values;
-  values.SetURNGPtr(&source);
+  ScriptedValues v;
+  ZRRandomValues & values = v.values;
   ASSERT_TRUE(values.SetParamGamma(1.0, 4.0));  // Intended: 4 is a rate, whatever the label
   EXPECT_NEAR(values.GetRandom(), std::log(2.0) / 4.0, kTol);
   ASSERT_TRUE(values.SetParamChi(2.0));  // Gamma(1) / 0.5
@@ -406,39 +398,30 @@ TEST(ZRRandomValues, SourceOwnership) {
 TEST(ZRRandomValues, DrawOrderOfMultivariateAndWishartValues) {
   // Two normals z = (0.1 xi, 0.2 xi) through L of [[4, 2], [2, 5]], i.e. [[2, 0], [1, 2]],
   // times sigma 2, plus the means.
-  Script normals({0.5, kZ0 + 0.1, 0.5, kZ0 + 0.2});
-  ZRURandom source(1, true, true, &normals);
-  ZRRandomValues v;
-  v.SetURNGPtr(&source);
+  ScriptedValues normals(std::vector<double>{0.5, kZ0 + 0.1, 0.5, kZ0 + 0.2});
   ZRSymMatrix cov(2, true);
   cov.SetElem(0, 0, 4.0), cov.SetElem(1, 0, 2.0), cov.SetElem(1, 1, 5.0);
-  ASSERT_TRUE(v.SetParamNormal({10.0, -10.0}, 4.0, cov));
+  ASSERT_TRUE(normals.values.SetParamNormal({10.0, -10.0}, 4.0, cov));
   std::vector<double> out;
-  ASSERT_TRUE(v.GetRandom(out));
+  ASSERT_TRUE(normals.values.GetRandom(out));
   ASSERT_EQ(out.size(), 2u);
   EXPECT_NEAR(out[0], 10.0 + 2 * (2 * 0.1 * kXi), 1e-13);
   EXPECT_NEAR(out[1], -10.0 + 2 * (0.1 * kXi + 2 * 0.2 * kXi), 1e-13);
 
   // Wishart p = 2, m = 4: diagonal 0 from a chi-square on 2 df (-2 log(1 - u) = 4), then
   // diagonal 1 (= 1), then element (1, 0) = z; W = A A'.
-  Script wishart({1.0 - std::exp(-2.0), 1.0 - std::exp(-0.5), 0.5, kZ0 + 0.3});
-  ZRURandom wishartSource(1, true, true, &wishart);
-  ZRRandomValues wv;
-  wv.SetURNGPtr(&wishartSource);
-  ASSERT_TRUE(wv.SetParamWishart(2, 4.0));
+  const std::vector<double> wishart = {1.0 - std::exp(-2.0), 1.0 - std::exp(-0.5), 0.5, kZ0 + 0.3};
+  ScriptedValues plain(wishart), scaled(wishart);
+  ASSERT_TRUE(plain.values.SetParamWishart(2, 4.0));
   ZRSymMatrix w;
-  ASSERT_TRUE(wv.GetRandom(w));
+  ASSERT_TRUE(plain.values.GetRandom(w));
   const double z = 0.3 * kXi;
   EXPECT_NEAR(w.GetElem(0, 0), 4.0, kTol * 4);
   EXPECT_NEAR(w.GetElem(1, 0), 2.0 * z, kTol * 4);
   EXPECT_NEAR(w.GetElem(1, 1), z * z + 1.0, kTol * 4);
   // With a scale S = L L', the draw is L (A A') L'.
-  Script scaled({1.0 - std::exp(-2.0), 1.0 - std::exp(-0.5), 0.5, kZ0 + 0.3});
-  ZRURandom scaledSource(1, true, true, &scaled);
-  wv.SetSeed(1);
-  wv.SetURNGPtr(&scaledSource);
-  ASSERT_TRUE(wv.SetParamWishart(2, 4.0, cov));  // L = [[2, 0], [1, 2]]
-  ASSERT_TRUE(wv.GetRandom(w));
+  ASSERT_TRUE(scaled.values.SetParamWishart(2, 4.0, cov));  // L = [[2, 0], [1, 2]]
+  ASSERT_TRUE(scaled.values.GetRandom(w));
   EXPECT_NEAR(w.GetElem(0, 0), 4.0 * 4.0, 1e-13);
   EXPECT_NEAR(w.GetElem(1, 0), 2.0 * (4.0 + 2.0 * 2.0 * z), 1e-13);
   EXPECT_NEAR(w.GetElem(1, 1), 4.0 + 4.0 * 2.0 * z + 4.0 * (z * z + 1.0), 1e-13);

@@ -52,8 +52,6 @@ TEST(ZRIterationReporter, SetInfoFormsKeepWhatTheyDoNotSet) {
   ProgressReportVect & v = rep;
   EXPECT_EQ(v.DiscreteMeasure("iterNum"), 0);
   EXPECT_EQ(v.VectorMeasure("paramEstim"), nullptr);
-  EXPECT_EQ(v.ScaleMeasure("unknown"), kMiss);
-  EXPECT_EQ(v.DiscreteMeasure("loglik"), -1);
 
   const std::vector<double> a = {1.0}, b = {2.0}, c = {3.0}, d = {4.0};
   rep.SetInfo(&a, 1, 3, 10.0, 0.5);

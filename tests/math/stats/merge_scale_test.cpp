@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <numeric>
 #include <random>
 #include <string>
 #include <vector>
@@ -16,12 +15,10 @@
 #include "zrcommon920r/math/matrix/rectmatrix.h"
 #include "zrcommon920r/math/matrix/symmatrix.h"
 #include "zrcommon920r/math/stats/meansxprod.h"
-#include "zrcommon920r/math/stats/unistats.h"
 
 namespace {
 
 using ZRMath_920::ZRBitSet;
-using ZRMath_920::ZRContStats;
 using ZRMath_920::ZRMeansXProdData;
 using ZRMath_920::ZRMeansXProducts;
 using ZRMath_920::ZRRectMatrix;
@@ -222,28 +219,6 @@ TEST(ZRMeansXProdDataMergeScale, NistNumAccKeepTheirDigits) {  // data: numacc*.
     std::printf(
         "NumAcc%d digits, one pass / fewest merged from 64: mean %.2f / %.2f, sd %.2f / %.2f\n",
         set + 1, mean1, worstMean, sd1, worstSd);
-  }
-}
-
-TEST(ZRContStatsPoolScale, SixtyFourPoolsMatchOneAccumulator) {
-  constexpr double kTol = 1e-12;  // as the merged means; observed a few eps
-  constexpr int kCases = 6000;
-  const ZRRectMatrix x = RegressionData(kCases, 3, 77);
-  ZRContStats whole;
-  for (int r = 0; r < kCases; ++r) ASSERT_TRUE(whole.Update(x.GetElem(r, 1), x.GetElem(r, 3), 1.0));
-  for (const Split split : {Split::kEven, Split::kRandom, Split::kLopsided}) {
-    SCOPED_TRACE(static_cast<int>(split));
-    const std::vector<int> cut = Cuts(kCases, 64, split, 99);
-    std::vector<ZRContStats> parts(64);  // empty ones included: pooling them does nothing
-    for (int k = 0; k < 64; ++k)
-      for (int r = cut[k]; r < cut[k + 1]; ++r)
-        ASSERT_TRUE(parts[k].Update(x.GetElem(r, 1), x.GetElem(r, 3), 1.0));
-    ZRContStats total;
-    for (int k = 63; k >= 0; --k) total.Pool(parts[k]);
-    EXPECT_EQ(total.GetSumFreq(), whole.GetSumFreq());
-    EXPECT_EQ(total.GetExtrema(), whole.GetExtrema());
-    EXPECT_LE(zrtest::RelErr(total.GetMean(), whole.GetMean()), kTol);
-    EXPECT_LE(zrtest::RelErr(total.GetVariance(), whole.GetVariance()), kTol);
   }
 }
 

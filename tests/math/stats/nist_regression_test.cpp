@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -138,69 +137,39 @@ std::string Figure(double lre) {
   return buf;
 }
 
-// Every set fitted once per run; the figures are printed, rounded down as recorded.
-const std::vector<Measured> & Fits() {
-  static const std::vector<Measured> fits = [] {
-    const auto cert = zrtest::LoadRefTable("math/stats/nist_strd_cert.csv", 1);
-    std::vector<Measured> out;
-    for (const Recorded & r : kRecorded) {
-      const auto & s = r.data;
-      const auto row = std::find_if(cert.begin(), cert.end(),
-                                    [&](const zrtest::RefRow & c) { return c.in[0] == s.set; });
-      if (row == cert.end()) ADD_FAILURE() << s.name << ": no certified row " << s.set;
-      out.push_back(row == cert.end() ? Measured() : FitSet(s, row->out));
-      const Measured & m = out.back();
-      std::string line = std::string("NIST ") + s.name + " LRE: coefficients";
-      for (double v : m.coef) line += Figure(v);
-      line += "; standard errors";
-      for (double v : m.se) line += Figure(v);
-      line += "; residual sd swept" + Figure(m.sd[0]) + ", second pass" + Figure(m.sd[1]);
-      std::printf("%s\n", line.c_str());
-    }
-    return out;
-  }();
-  return fits;
-}
-
 // Fails when measured falls more than kSlack below recorded; a recorded NaN must stay NaN.
 void ExpectKeeps(const std::string & what, double measured, double recorded) {
   SCOPED_TRACE(what);
-  if (std::isnan(recorded))
+  if (std::isnan(recorded)) {
     EXPECT_TRUE(std::isnan(measured))
         << "now " << measured << " digits, recorded NaN: record the new figure";
-  else
+  } else {
     EXPECT_GE(measured, recorded - kSlack) << "recorded " << recorded;
-}
-
-TEST(ZRNistRegression, CoefficientsKeepRecordedDigits) {  // data: nist_*.csv, nist_strd_cert.csv
-  const auto & fits = Fits();
-  ASSERT_EQ(fits.size(), std::size(kRecorded));
-  for (size_t i = 0; i < fits.size(); ++i) {
-    ASSERT_FALSE(fits[i].coef.empty()) << kRecorded[i].data.name;
-    for (size_t j = 0; j < fits[i].coef.size(); ++j)
-      ExpectKeeps(std::string(kRecorded[i].data.name) + " B" + std::to_string(j), fits[i].coef[j],
-                  kRecorded[i].coef[j]);
   }
 }
 
-TEST(ZRNistRegression, StandardErrorsKeepRecordedDigits) {
-  const auto & fits = Fits();
-  ASSERT_EQ(fits.size(), std::size(kRecorded));
-  for (size_t i = 0; i < fits.size(); ++i) {
-    ASSERT_FALSE(fits[i].se.empty()) << kRecorded[i].data.name;
-    for (size_t j = 0; j < fits[i].se.size(); ++j)
-      ExpectKeeps(std::string(kRecorded[i].data.name) + " sd of B" + std::to_string(j),
-                  fits[i].se[j], kRecorded[i].se[j]);
-  }
-}
-
-TEST(ZRNistRegression, ResidualSdKeepsRecordedDigits) {
-  const auto & fits = Fits();
-  ASSERT_EQ(fits.size(), std::size(kRecorded));
-  for (size_t i = 0; i < fits.size(); ++i) {
-    const std::string name = kRecorded[i].data.name;
-    ExpectKeeps(name + " residual sd, swept", fits[i].sd[0], kRecorded[i].sd[0]);
-    ExpectKeeps(name + " residual sd, second pass", fits[i].sd[1], kRecorded[i].sd[1]);
+// The figures are printed, rounded down as recorded.
+TEST(ZRNistRegression, FitsKeepRecordedDigits) {  // data: nist_*.csv, nist_strd_cert.csv
+  const auto cert = zrtest::LoadRefTable("math/stats/nist_strd_cert.csv", 1);
+  for (const Recorded & r : kRecorded) {
+    const std::string name = r.data.name;
+    const auto row = std::find_if(cert.begin(), cert.end(),
+                                  [&](const zrtest::RefRow & c) { return c.in[0] == r.data.set; });
+    ASSERT_NE(row, cert.end()) << name << ": no certified row " << r.data.set;
+    const Measured m = FitSet(r.data, row->out);
+    ASSERT_FALSE(m.coef.empty()) << name;
+    std::string line = "NIST " + name + " LRE: coefficients";
+    for (double v : m.coef) line += Figure(v);
+    line += "; standard errors";
+    for (double v : m.se) line += Figure(v);
+    line += "; residual sd swept" + Figure(m.sd[0]) + ", second pass" + Figure(m.sd[1]);
+    std::printf("%s\n", line.c_str());
+    for (size_t j = 0; j < m.coef.size(); ++j) {
+      ExpectKeeps(name + " B" + std::to_string(j), m.coef[j], r.coef[j]);
+      ExpectKeeps(name + " sd of B" + std::to_string(j), m.se[j], r.se[j]);
+    }
+    ExpectKeeps(name + " residual sd, swept", m.sd[0], r.sd[0]);
+    ExpectKeeps(name + " residual sd, second pass", m.sd[1], r.sd[1]);
   }
 }
 
