@@ -1,6 +1,5 @@
-// ZRDynamicLoadedLibrary on a module built beside the tests (ZR_TEST_MODULE_PATH): loading
-// by path and decorated name, the codes and texts of failures, addresses that outlive the
-// object, and the name decoration.
+// ZRDynamicLoadedLibrary on the module built beside the tests: loading, failures and their
+// texts, addresses that outlive the object, and the name decoration.
 #include "zrcommon920r/common/dynlib.h"
 
 #include <gtest/gtest.h>

@@ -8,7 +8,7 @@
 #include <cmath>
 #include <ctime>
 
-#include "support/capture.h"
+#include "support/textio.h"
 
 namespace {
 
@@ -67,9 +67,7 @@ TEST(ZRTimeUtil, DecrementWrapsIn32BitsAndDisplays) {
   watch.GetTime(ticks, seconds, calls);
   EXPECT_EQ(seconds, 1.5);
   EXPECT_EQ(calls, 0);
-  zrtest::DisplayCapture capture;
-  watch.Display();
-  EXPECT_EQ(capture.Text(),
+  EXPECT_EQ(zrtest::Shown(watch),
             "\nZRTimeUtil display start \nfit stage\nAccumulated int milliseconds = 1500"
             "\nNumber of calls = 0\nZRTimeUtil display end");
 }

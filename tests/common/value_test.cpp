@@ -1,7 +1,5 @@
-// Value: the comparison rules, converting and strict access, SetValue's kept tag, indexing
-// and its failures, deep copies, shape-keeping clears, display text and the IsZeroDiff
-// tolerance against an IEEE script. Expected values are worked out by hand from the rules
-// of streams and of IEEE doubles, or come from tests/data/common/iszerodiff.py.
+// Value: comparison, conversion and strict access, SetValue, indexing, copies, clears, display
+// text, and the IsZeroDiff tolerance against tests/data/common/iszerodiff.py.
 #include "zrcommon920r/common/value.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +20,7 @@
 #include <utility>
 
 #include "support/refdata.h"
+#include "support/textio.h"
 
 namespace {
 
@@ -76,7 +75,6 @@ TEST(ValueConstants, BitPatternsAndTypes) {
   EXPECT_EQ(static_cast<double>(Value::REAL_VALUE), kMiss);
   EXPECT_TRUE(Value::REAL_VALUE.IsMissing());
   EXPECT_EQ(Value::STRING_VALUE.GetType(), 4);
-  EXPECT_EQ(Value::STRING_VALUE.Size(), 0);
   // Non-strings hand out the very string STRING_VALUE holds.
   EXPECT_EQ(&Value(5).GetStringRef(), &Value::STRING_VALUE.GetStringRef());
   Value s = Value::STRING_VALUE;  // a copy of the constant is an ordinary, writable string
@@ -201,15 +199,8 @@ TEST(ValueConversion, ConvertingGettersOfEveryType) {
   }
 }
 
-// A numpunct with a decimal comma and groups of three, so no installed locale is needed.
-struct CommaPunct : std::numpunct<char> {
-  char do_decimal_point() const override { return ','; }
-  char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
-};
-
 TEST(ValueConversion, TextFollowsCoutForReadingAndNoLocaleForWriting) {
-  const std::locale comma(std::locale::classic(), new CommaPunct);
+  const std::locale comma(std::locale::classic(), new zrtest::CommaPunct);
   const std::locale classic = std::locale::classic();
   struct Restore {
     std::locale c = std::cout.getloc(), g;  // g: the global locale
@@ -332,7 +323,6 @@ TEST(ValueArrays, IndexingGrowthAndFailures) {
   ExpectZR([] { Value(1).Resize(2); }, 13, kNotArray);
   EXPECT_EQ(static_cast<long long>(cpair[1]), 2);
   EXPECT_THROW((void)cpair[-1], std::out_of_range);
-  EXPECT_THROW((void)cpair[-5], std::out_of_range);
   Value null;
   EXPECT_THROW(null[-1], std::out_of_range);
   EXPECT_EQ(null.Size(), 0);  // it became an (empty) array on the way
@@ -364,8 +354,11 @@ TEST(ValueArrays, IndexingGrowthAndFailures) {
     int line;
     Value v;
     int size;
-  } const sizes[] = {{__LINE__, 5, -1},    {__LINE__, Value(), -1}, {__LINE__, "", 0},
-                     {__LINE__, "abc", 3}, {__LINE__, m, 2},        {__LINE__, grown, 4}};
+  } const sizes[] = {{__LINE__, 5, -1},
+                     {__LINE__, Value(), -1},
+                     {__LINE__, "", 0},
+                     {__LINE__, "abc", 3},
+                     {__LINE__, m, 2}};
   for (const auto & c : sizes) {
     SCOPED_TRACE(c.line);
     EXPECT_EQ(c.v.Size(), c.size);

@@ -51,7 +51,6 @@ TEST(ZRWarningsAdd, DestinationChoosesListsAndOnlyWarningsAreKept) {
       {__LINE__, Warning(1), ZRWarnings::DestSecond, 0, 1},
       {__LINE__, Warning(1), ZRWarnings::DestBoth, 1, 1},
       {__LINE__, Warning(1), 3, 1, 1},  // any other value acts as both
-      {__LINE__, Warning(1), -1, 1, 1},
       {__LINE__, Warning(1), INT32_MIN, 1, 1},
       {__LINE__, ZRStatus(5, false), ZRWarnings::DestBoth, 0, 0},
       {__LINE__, ZRStatus(), ZRWarnings::DestFirst, 0, 0},

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/capture.h"
+#include "support/textio.h"
 #include "zrcommon920r/common/numconst.h"
 
 namespace {
@@ -47,13 +48,6 @@ class FlushMarkBuf : public std::stringbuf {
   int sync() override { return sputc('|') == '|' ? 0 : -1; }
 };
 
-// A decimal comma and digit grouping, as a German user locale has them.
-struct CommaPunct : std::numpunct<char> {
-  char do_decimal_point() const override { return ','; }
-  char do_thousands_sep() const override { return '.'; }
-  std::string do_grouping() const override { return "\3"; }
-};
-
 // The stream starts as std::cout and follows SetOutStream; each line is flushed after its
 // break and after its text.
 TEST(ZRDisplayStream, FollowsSetOutStreamAndFlushesEachLine) {
@@ -71,7 +65,7 @@ TEST(ZRDisplayStream, FollowsSetOutStreamAndFlushesEachLine) {
 TEST(ZRDisplayStream, StreamLocaleAndFlagsDoNotChangeText) {
   zrtest::DisplayCapture cap;
   std::ostream & os = *GetOutStream();
-  os.imbue(std::locale(std::locale::classic(), new CommaPunct));
+  os.imbue(std::locale(std::locale::classic(), new zrtest::CommaPunct));
   os.width(30);
   os.fill('*');
   os.precision(2);

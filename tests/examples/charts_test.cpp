@@ -1,21 +1,16 @@
-// The example charts end to end: zr_charts runs on the bundled data set into a fresh folder,
-// and xmllint checks each SVG document it writes: well-formed, an svg root in the SVG
-// namespace with its size, and as many bars or points as the data, read here straight from
-// the CSV file, have non-empty bins, cells, categories or gains rows.
+// zr_charts end to end: each SVG document checked by xmllint, with as many bars or points as
+// the CSV data, counted here, have non-empty bins, cells, categories or gains rows.
 #include <gtest/gtest.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <set>
 #include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/textio.h"
 #include "support/xmllint.h"
 
 namespace {
@@ -24,13 +19,6 @@ namespace {
 constexpr int kHistogramBins = 12;
 constexpr int kScatterBins = 10;
 constexpr int kGainsSegments = 10;
-
-std::string ReadFile(const std::string & path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
 
 // A run of zr_charts with args, in a fresh folder that is removed afterwards; each of the
 // four documents read back, empty when not written.
@@ -41,23 +29,13 @@ struct ChartsRun {
 };
 
 ChartsRun RunCharts(const std::string & args) {
+  const zrtest::ScratchFolder dir("zr_charts");
   ChartsRun run;
-  char dir[] = "/tmp/zr_charts_XXXXXX";
-  if (mkdtemp(dir) == nullptr) return run;
-  const std::string out = std::string(dir) + "/output.txt";
-  const std::string command =
-      std::string("'") + ZR_CHARTS_EXE + "' " + args + " '" + dir + "/svg' >'" + out + "' 2>&1";
-  const int status = std::system(command.c_str());
-  if (status != -1 && WIFEXITED(status)) run.exitCode = WEXITSTATUS(status);
-  run.output = ReadFile(out);
-  unlink(out.c_str());
-  for (const char * name : {"histogram.svg", "scatter.svg", "bars.svg", "gains.svg"}) {
-    const std::string path = std::string(dir) + "/svg/" + name;
-    run.files.emplace_back(name, ReadFile(path));
-    unlink(path.c_str());
-  }
-  rmdir((std::string(dir) + "/svg").c_str());
-  rmdir(dir);
+  run.exitCode = zrtest::ShellExitCode(std::string("'") + ZR_CHARTS_EXE + "' " + args + " '" +
+                                       (dir / "svg") + "' >'" + (dir / "output.txt") + "' 2>&1");
+  run.output = zrtest::ReadFile(dir / "output.txt");
+  for (const char * name : {"histogram.svg", "scatter.svg", "bars.svg", "gains.svg"})
+    run.files.emplace_back(name, zrtest::ReadFile(dir / ("svg/" + std::string(name))));
   return run;
 }
 
@@ -68,7 +46,7 @@ struct Expected {
 };
 
 Expected CountFromCsv(const std::string & path) {
-  std::istringstream in(ReadFile(path));
+  std::istringstream in(zrtest::ReadFile(path));
   std::string line;
   std::getline(in, line);
   std::vector<std::string> header;
@@ -118,31 +96,12 @@ Expected CountFromCsv(const std::string & path) {
   return e;
 }
 
-std::string Trim(std::string s) {
-  s.erase(s.find_last_not_of(" \n") + 1);
-  return s;
-}
-
 // What an XPath expression gives on document, as xmllint prints it.
 std::string XPath(const std::string & document, const std::string & expression) {
-  const zrtest::XmllintResult r = zrtest::RunXmllint(document, "--xpath '" + expression + "'");
-  return r.exitCode == 0 ? Trim(r.output) : "xmllint failed: " + r.output;
+  zrtest::XmllintResult r = zrtest::RunXmllint(document, "--xpath '" + expression + "'");
+  r.output.erase(r.output.find_last_not_of(" \n") + 1);
+  return r.exitCode == 0 ? r.output : "xmllint failed: " + r.output;
 }
-
-// A file of its own in /tmp holding text; removed with the object.
-class TempCsv {
- public:
-  explicit TempCsv(const std::string & text) {
-    const int fd = mkstemp(fPath);
-    if (fd >= 0) close(fd);
-    std::ofstream(fPath, std::ios::binary) << text;
-  }
-  ~TempCsv() { unlink(fPath); }
-  std::string Path() const { return fPath; }
-
- private:
-  char fPath[32] = "/tmp/zr_charts_csv_XXXXXX";
-};
 
 // Gaps in every chart: fuel bins 1-10 and most engine x fuel cells are empty; the rows
 // with a count of 0, an empty count, fuel or drive, and a drive met only there, take no
@@ -171,8 +130,8 @@ TEST(ZRCharts, WritesFourWellFormedSvgDocuments) {
 }
 
 TEST(ZRCharts, MarksNumberTheNonEmptyBinsAndCategories) {
-  const TempCsv gappy(kGappyCsv);
-  for (const std::string & csv : {std::string(ZR_DEMO_CSV), gappy.Path()}) {
+  const zrtest::ScratchFolder dir("zr_charts_csv");
+  for (const std::string & csv : {std::string(ZR_DEMO_CSV), dir.Write("gappy.csv", kGappyCsv)}) {
     SCOPED_TRACE(csv);
     const ChartsRun run = RunCharts(Quoted(csv));
     ASSERT_EQ(run.exitCode, 0) << run.output;
@@ -205,16 +164,17 @@ TEST(ZRCharts, MarksNumberTheNonEmptyBinsAndCategories) {
 }
 
 TEST(ZRChartsArguments, RefusesWhatItCannotDraw) {
-  const TempCsv noCount("engine,drive,fuel\n2.0,front,9.5\n");
-  const TempCsv noCase("engine,drive,fuel,count\n2.0,front,9.5,0\n");
+  const zrtest::ScratchFolder dir("zr_charts_csv");
+  const std::string noCount = dir.Write("nocount.csv", "engine,drive,fuel\n2.0,front,9.5\n");
+  const std::string noCase = dir.Write("nocase.csv", "engine,drive,fuel,count\n2.0,front,9.5,0\n");
   struct {
     int line;
     std::string args;
     int exitCode;
   } const cases[] = {
       {__LINE__, "/nonexistent/fuel.csv", 1},
-      {__LINE__, Quoted(noCount.Path()), 1},
-      {__LINE__, Quoted(noCase.Path()), 1},
+      {__LINE__, Quoted(noCount), 1},
+      {__LINE__, Quoted(noCase), 1},
       {__LINE__, "a b", 2},  // with the folder, a third argument
   };
   for (const auto & c : cases) {

@@ -1,23 +1,15 @@
-// The example procedure end to end: zr_demo runs on the bundled data set, xmllint checks
-// the PMML document it writes against the PMML 4.3 schema, and libxml2 reads the
-// coefficients back out of that document and out of the StatXML table the demo prints, to
-// be compared with R's fit of the same model (tests/data/examples/fuel_lm.R).
+// zr_demo end to end: its PMML validated by xmllint, and the coefficients in it and in the
+// StatXML table it prints compared with R's fit (tests/data/examples/fuel_lm.R).
 #include <gtest/gtest.h>
-#include <libxml/parser.h>
 #include <libxml/tree.h>
-#include <stdlib.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cmath>
-#include <cstdio>
-#include <fstream>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "support/refdata.h"
+#include "support/textio.h"
 #include "support/xmllint.h"
 
 namespace {
@@ -30,14 +22,7 @@ using zrtest::RelErr;
 const std::vector<std::string> kTerms = {"intercept", "engine",     "weight",
                                          "age",       "drive=rear", "drive=all"};
 
-std::string ReadFile(const std::string & path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
-// One run of the demo with the bundled data, the document written into a fresh folder.
+// One run of the demo with the bundled data, the document written into a scratch folder.
 struct DemoRun {
   int exitCode = -1;   // -1 when it could not be run or did not exit
   std::string output;  // both streams
@@ -45,31 +30,17 @@ struct DemoRun {
 };
 
 DemoRun RunDemo() {
+  const zrtest::ScratchFolder dir("zr_demo");
   DemoRun run;
-  char dir[] = "/tmp/zr_demo_XXXXXX";
-  if (mkdtemp(dir) == nullptr) return run;
-  const std::string pmmlPath = std::string(dir) + "/fuel.pmml";
-  const std::string outPath = std::string(dir) + "/output.txt";
-  const std::string command = std::string("'") + ZR_DEMO_EXE + "' '" + ZR_DEMO_CSV + "' '" +
-                              pmmlPath + "' >'" + outPath + "' 2>&1";
-  const int status = std::system(command.c_str());
-  if (status != -1 && WIFEXITED(status)) run.exitCode = WEXITSTATUS(status);
-  run.output = ReadFile(outPath);
-  run.pmml = ReadFile(pmmlPath);
-  unlink(pmmlPath.c_str());
-  unlink(outPath.c_str());
-  rmdir(dir);
+  run.exitCode =
+      zrtest::ShellExitCode(std::string("'") + ZR_DEMO_EXE + "' '" + ZR_DEMO_CSV + "' '" +
+                            (dir / "fuel.pmml") + "' >'" + (dir / "output.txt") + "' 2>&1");
+  run.output = zrtest::ReadFile(dir / "output.txt");
+  run.pmml = zrtest::ReadFile(dir / "fuel.pmml");
   return run;
 }
 
-using XmlDoc = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
-
-// The text parsed by libxml2; null when it is not well-formed.
-XmlDoc Parse(const std::string & text) {
-  return XmlDoc(xmlReadMemory(text.data(), static_cast<int>(text.size()), "demo.xml", nullptr,
-                              XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-                xmlFreeDoc);
-}
+using zrtest::XmlDoc;
 
 // The elements named name under node, depth first in document order.
 void Collect(xmlNodePtr node, const char * name, std::vector<xmlNodePtr> & out) {
@@ -100,35 +71,33 @@ double Number(const std::string & text) {
   return !text.empty() && *end == '\0' ? x : NAN;
 }
 
-class ZRDemo : public ::testing::Test {
- protected:
-  static void SetUpTestSuite() { gRun = new DemoRun(RunDemo()); }
-  static void TearDownTestSuite() {
-    delete gRun;
-    gRun = nullptr;
-  }
-  static DemoRun * gRun;
-};
-DemoRun * ZRDemo::gRun = nullptr;
-
-TEST_F(ZRDemo, WritesASchemaValidPmmlDocument) {
-  ASSERT_EQ(gRun->exitCode, 0) << gRun->output;
-  ASSERT_FALSE(gRun->pmml.empty());
-  // A missing schema makes xmllint fail (exit 5), so this cannot pass without one.
-  const zrtest::XmllintResult lint = zrtest::RunXmllint(
-      gRun->pmml, std::string("--noout --nonet --schema '") + ZR_PMML_SCHEMA + "'");
-  EXPECT_EQ(lint.exitCode, 0) << lint.output << "\n" << gRun->pmml;
+// The one run the tests share.
+const DemoRun & Demo() {
+  static const DemoRun run = RunDemo();
+  return run;
 }
 
-TEST_F(ZRDemo, PmmlCoefficientsMatchR) {  // data: tests/data/examples/fuel_lm.csv
+TEST(ZRDemo, WritesASchemaValidPmmlDocument) {
+  ASSERT_EQ(Demo().exitCode, 0) << Demo().output;
+  ASSERT_FALSE(Demo().pmml.empty());
+  // A missing schema makes xmllint fail (exit 5), so this cannot pass without one.
+  const zrtest::XmllintResult lint = zrtest::RunXmllint(
+      Demo().pmml, std::string("--noout --nonet --schema '") + ZR_PMML_SCHEMA + "'");
+  EXPECT_EQ(lint.exitCode, 0) << lint.output << "\n" << Demo().pmml;
+}
+
+TEST(ZRDemo, PmmlCoefficientsMatchR) {  // data: tests/data/examples/fuel_lm.csv
   // The document prints 15 significant digits; these cross-products lose about 3 more.
   constexpr double kTol = 1e-10;
-  const XmlDoc doc = Parse(gRun->pmml);
+  const XmlDoc doc = zrtest::ParseXml(Demo().pmml);
   const std::vector<xmlNodePtr> tables = Elements(doc, "RegressionTable");
-  ASSERT_EQ(tables.size(), 1u) << gRun->pmml;
+  ASSERT_EQ(tables.size(), 1u) << Demo().pmml;
   std::vector<double> got = {Number(Attr(tables[0], "intercept"))};
-  for (xmlNodePtr p : Elements(doc, "NumericPredictor"))
+  std::vector<std::string> names = {"intercept"};
+  for (xmlNodePtr p : Elements(doc, "NumericPredictor")) {
     got.push_back(Number(Attr(p, "coefficient")));
+    names.push_back(Attr(p, "name"));
+  }
   for (xmlNodePtr p : Elements(doc, "CategoricalPredictor")) {
     ASSERT_EQ(Attr(p, "name"), "drive");
     const double coefficient = Number(Attr(p, "coefficient"));
@@ -136,32 +105,28 @@ TEST_F(ZRDemo, PmmlCoefficientsMatchR) {  // data: tests/data/examples/fuel_lm.c
       EXPECT_EQ(coefficient, 0.0);  // the reference category
     } else {
       got.push_back(coefficient);
+      names.push_back("drive=" + Attr(p, "value"));
     }
   }
+  ASSERT_EQ(names, kTerms);  // the predictors in R's order, as the reference rows assume
   const std::vector<RefRow> rows = LoadRefTable("examples/fuel_lm.csv", /*nIn=*/1);
-  ASSERT_EQ(got.size(), rows.size()) << gRun->pmml;
+  ASSERT_EQ(got.size(), rows.size()) << Demo().pmml;
   for (const RefRow & row : rows) {
     SCOPED_TRACE(row.where);
     EXPECT_LE(RelErr(got[static_cast<int>(row.in[0])], row.out[0]), kTol);
   }
-  // The predictors in R's order, as the reference rows assume.
-  std::vector<std::string> names = {"intercept"};
-  for (xmlNodePtr p : Elements(doc, "NumericPredictor")) names.push_back(Attr(p, "name"));
-  for (xmlNodePtr p : Elements(doc, "CategoricalPredictor"))
-    if (Attr(p, "value") != "front") names.push_back("drive=" + Attr(p, "value"));
-  EXPECT_EQ(names, kTerms);
 }
 
-TEST_F(ZRDemo, StatXmlTableMatchesR) {  // data: tests/data/examples/fuel_lm.csv
-  constexpr double kTol = 1e-10;        // estimates, errors and t values: as in the PMML test
+TEST(ZRDemo, StatXmlTableMatchesR) {  // data: tests/data/examples/fuel_lm.csv
+  constexpr double kTol = 1e-10;      // estimates, errors and t values: as in the PMML test
   // p-values near 1e-24 move about 70 times as fast as t, relatively (d log p / d log t).
   constexpr double kSigTol = 1e-9;
-  const std::size_t begin = gRun->output.find("<StatXML");
-  const std::size_t end = gRun->output.find("</StatXML>");
-  ASSERT_NE(begin, std::string::npos) << gRun->output;
-  ASSERT_NE(end, std::string::npos) << gRun->output;
-  const XmlDoc doc = Parse(gRun->output.substr(begin, end + 10 - begin));
-  ASSERT_NE(doc, nullptr) << gRun->output;
+  const std::size_t begin = Demo().output.find("<StatXML");
+  const std::size_t end = Demo().output.find("</StatXML>");
+  ASSERT_NE(begin, std::string::npos) << Demo().output;
+  ASSERT_NE(end, std::string::npos) << Demo().output;
+  const XmlDoc doc = zrtest::ParseXml(Demo().output.substr(begin, end + 10 - begin));
+  ASSERT_NE(doc, nullptr) << Demo().output;
 
   std::vector<std::string> rowLabels, colLabels;
   for (xmlNodePtr labels : Elements(doc, "RowColLabels")) {

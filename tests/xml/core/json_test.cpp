@@ -1,23 +1,16 @@
-// JsonObject: printed text against hand-written JSON (scalars, empty values, key order,
-// nested separators, close false), the type and depth rules of adding and
-// clearing, and python3's strict json module as an independent reader of the printed text
-// (the four text factories included).
+// JsonObject: printed text against hand-written JSON, the type and depth rules, and python3's
+// strict json module as an independent reader of the printed text.
 #include "zrcommon920r/xml/core/json.h"
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <string>
 #include <vector>
 
 #include "support/locales.h"
+#include "support/textio.h"
 #include "zrcommon920r/common/value.h"
 
 namespace {
@@ -125,24 +118,14 @@ struct PythonRead {
 };
 
 PythonRead ReadWithPython(const std::string & text) {
-  std::string in = ::testing::TempDir() + "zrjson_XXXXXX";
-  std::string out = in;
-  close(mkstemp(&in[0]));
-  close(mkstemp(&out[0]));
-  std::ofstream(in, std::ios::binary) << text;
-  const std::string command =
+  const zrtest::ScratchFolder dir("zr_json");
+  const int status = zrtest::ShellExitCode(
       "python3 -c 'import json, sys\n"
       "def refuse(name): raise ValueError(name)\n"
       "value = json.loads(open(sys.argv[1], \"rb\").read(), parse_constant=refuse)\n"
       "open(sys.argv[2], \"w\").write(json.dumps(value, sort_keys=True))' " +
-      in + " " + out + " 2>/dev/null";
-  const int raw = std::system(command.c_str());
-  std::ifstream dumped(out);
-  PythonRead result{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1,
-                    std::string(std::istreambuf_iterator<char>(dumped), {})};
-  std::remove(in.c_str());
-  std::remove(out.c_str());
-  return result;
+      dir.Write("in.json", text) + " " + (dir / "out.json") + " 2>/dev/null");
+  return {status, zrtest::ReadFile(dir / "out.json")};
 }
 
 const bool kHavePython = std::system("python3 -c pass >/dev/null 2>&1") == 0;

@@ -1,6 +1,5 @@
-// Number text: the "C" route against hand-worked "%.15g" and "%.16f" texts and, over random
-// doubles, against a classic-locale stream; the sprintf route with its formats, long texts
-// and comma locales; exact digits of long.
+// Number text: the "C" route by hand and against a classic-locale stream, the sprintf route
+// with its formats, long texts and comma locales, and exact digits of long.
 #include "zrcommon920r/xml/core/numtext.h"
 
 #include <gtest/gtest.h>

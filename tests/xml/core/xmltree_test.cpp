@@ -1,11 +1,8 @@
-// The XML tree: printed text against hand-written documents, attribute escaping against
-// the ten literal replacement passes, and random trees printed as UTF-8 in three locales
-// and read back by libxml2, an independent parser.
+// The XML tree: printed text by hand, escaping against the literal replacement passes, and
+// random trees printed as UTF-8 in three locales and read back by libxml2.
 #include "zrcommon920r/xml/core/xmltree.h"
 
 #include <gtest/gtest.h>
-#include <libxml/parser.h>
-#include <libxml/tree.h>
 
 #include <climits>
 #include <cmath>
@@ -17,6 +14,7 @@
 #include <string>
 
 #include "support/locales.h"
+#include "support/textio.h"
 #include "zrcommon920r/common/value.h"
 
 namespace {
@@ -46,14 +44,8 @@ std::string Document(const XMLDocType * docType, const XMLElement & root, bool f
   return out.str();
 }
 
-using XmlDoc = std::unique_ptr<xmlDoc, void (*)(xmlDocPtr)>;
-
-// The text parsed by libxml2; null when it is not well-formed.
-XmlDoc Parse(const std::string & text) {
-  return XmlDoc(xmlReadMemory(text.data(), static_cast<int>(text.size()), "t.xml", nullptr,
-                              XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING),
-                xmlFreeDoc);
-}
+using zrtest::XmlDoc;
+constexpr auto & Parse = zrtest::ParseXml;
 
 // r x="1" holding c y="2" (attributes only), the text "t", d holding "u": text then an
 // element, an element holding only text, a parent closing after a child element.

@@ -8,25 +8,19 @@
 #include <string>
 #include <vector>
 
-#include "support/capture.h"
 #include "support/markup.h"
+#include "support/textio.h"
 #include "zrcommon920r/common/value.h"
 
 namespace {
 
 using namespace ZRXML_920;
+using zrtest::Shown;
 
 const double kMiss = ZRCommon_920::Value::SYSMISVALUE;
 
 // The markup of made without layout, "(null)" for a null pointer; made is deleted.
 constexpr auto & Text = zrtest::TakeFlatMarkup;
-
-template <class Record>
-std::string Shown(const Record & record) {
-  zrtest::DisplayCapture capture;
-  record.Display();
-  return capture.Text();
-}
 
 const std::string kUnsetCoordinates =
     "\n Coordinates display start: \nfeature = \nfield = \nstatistic = \n values  = Error"

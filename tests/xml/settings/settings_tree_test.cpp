@@ -1,6 +1,5 @@
-// The settings tree: both views through insertion, replacement and removal, the renaming
-// quirk, lookups of every form, deep copies of nested lists, comparison, every vector
-// conversion and the display. Expected states and texts are worked by hand.
+// The settings tree: both views through edits, the renaming quirk, lookups, deep copies,
+// comparison, every vector conversion and the display, all worked by hand.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -14,7 +13,7 @@
 #include <vector>
 
 #include "support/alloccount.h"
-#include "support/capture.h"
+#include "support/textio.h"
 #include "zrcommon920r/xml/settings/settings.h"
 
 namespace {
@@ -302,9 +301,7 @@ TEST(ZRSettings, DisplayLinesByHand) {
   s.AddSetting("m", ZRCommon_920::kSysMisValue, false);
   s.AddNewSetting("v", texts, 2, "t");
   s.AddNewSetting("l", leaf, "");
-  zrtest::DisplayCapture capture;
-  s.Display();
-  EXPECT_EQ(capture.Text(),
+  EXPECT_EQ(zrtest::Shown(s),
             "\nSetting Name = n\nSetting Type = opt\nSetting Value Type = Numeric"
             "\nSetting Value = 1.5"
             "\nSetting Name = s\nSetting Type = \nSetting Value Type = String"

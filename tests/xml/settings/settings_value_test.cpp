@@ -1,6 +1,5 @@
-// The setting values: every getter of every class in one table, equality and order at the
-// tolerance's edges, byte order of texts, and the locale rules of the text conversions.
-// Expected answers are worked by hand from the conversion rules.
+// The setting values: every getter of every class, equality and order at the tolerance's
+// edges, and the locale rules of the text conversions, worked by hand.
 #include <gtest/gtest.h>
 
 #include <climits>

@@ -1,7 +1,5 @@
-// The category encoders: codes in order of first appearance, missing values tested before
-// the lookup, the const forms that never learn, decode texts, copies that own their code
-// table, display texts and the stream text written by hand. Then what every encoder
-// shares: the persistence round trip and the per-case paths that allocate nothing.
+// The category encoders: codes, missing values, const forms, decoding, copies and display;
+// then every encoder's persistence round trip and allocation-free per-case paths.
 #include <gtest/gtest.h>
 
 #include <cfloat>
@@ -13,15 +11,16 @@
 #include <vector>
 
 #include "support/alloccount.h"
-#include "support/capture.h"
 #include "support/locales.h"
 #include "support/persist.h"
+#include "support/textio.h"
 #include "zrcommon920r/common/numconst.h"
 #include "zrcommon920r/xml/vars/encoder.h"
 
 namespace {
 
 using namespace ZRXML_920;
+using zrtest::Shown;
 using Strings = std::vector<std::string>;
 constexpr double kMiss = ZRCommon_920::kSysMisValue;
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -156,12 +155,6 @@ TEST(ZRStringEncoder, CopiesDecodeFromTheirOwnTable) {
     EXPECT_EQ(e->Encode(longer), 1.0);
     EXPECT_EQ(e->Decode(2), "gamma");
   }
-}
-
-std::string Shown(const IZREncoder & e) {
-  zrtest::DisplayCapture capture;
-  e.Display();
-  return capture.Text();
 }
 
 TEST(ZRCategoryEncoders, DisplayTexts) {
