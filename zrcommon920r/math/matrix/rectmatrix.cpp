@@ -31,6 +31,9 @@ using ZRCommon_920::kSysMisValue;
 // ColClean's tolerance is eps times this many machine epsilons.
 constexpr double kColCleanScale = 10000.0;
 
+// ComputeProductMatrixTrans copies B' for the packed product from this many multiply-adds.
+constexpr double kPackedProductFrom = 32.0 * 32.0 * 32.0;
+
 const ZRRectMatrix * AsDense(const IZRRectMatrix & m) {
   return dynamic_cast<const ZRRectMatrix *>(&m);
 }
@@ -849,7 +852,19 @@ bool ZRRectMatrix::ComputeProductMatrixTrans(const IZRRectMatrix & B, ZRRectMatr
     C.SetInvalid();
     return false;
   }
-  if (const ZRRectMatrix * bd = AsDense(B)) {
+  const ZRRectMatrix * bd = AsDense(B);
+  // Large products copy B' once and take the packed product, whose elements are the same
+  // dot products of row i and row k from 0.0 in order; without room for the copy, the
+  // loops below give the same bits.
+  std::vector<double> bt;
+  if (bd != nullptr && static_cast<double>(fnRows) * fnCols * n >= kPackedProductFrom &&
+      ResizeNoThrow(bt, static_cast<std::size_t>(fnCols) * static_cast<std::size_t>(n))) {
+    for (int k = 0; k < n; ++k) {
+      const double * bk = bd->Row(k);
+      for (int j = 0; j < fnCols; ++j) bt[static_cast<std::size_t>(j) * n + k] = bk[j];
+    }
+    matrix_detail::MultiplyDense(fvData.data(), bt.data(), dst.fvData.data(), fnRows, fnCols, n);
+  } else if (bd != nullptr) {
     for (int i = 0; i < fnRows; ++i) {
       const double * row = Row(i);
       double * out = dst.Row(i);
