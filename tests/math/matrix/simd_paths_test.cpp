@@ -291,9 +291,9 @@ TEST(ZRSimdPaths, BlockProductsMatchScalarBits) {
   }
 }
 
-// The dense product against a dot product per element summed from 0.0 in order. Shapes
-// cross every tile edge of every path, the depth and row blocks (256 and 96) and, once,
-// the column block (2016); the smallest run in place without copies.
+// The dense products A B and A (B')' against a dot product per element summed from 0.0 in
+// order. Shapes cross every tile edge of every path, the depth and row blocks (256 and 96)
+// and, once, the column block (2016); the smallest run in place without copies.
 TEST(ZRSimdPaths, MatrixProductMatchesDotProducts) {
   struct Shape {
     int m, p, n;
@@ -311,8 +311,13 @@ TEST(ZRSimdPaths, MatrixProductMatchesDotProducts) {
     ZRMath_920::ZRRectMatrix A(s.m, s.p, true), B(s.p, s.n, true);
     for (int i = 0; i < s.m; ++i)
       for (int k = 0; k < s.p; ++k) A.SetElem(i, k, av[static_cast<std::size_t>(i) * s.p + k]);
-    for (int k = 0; k < s.p; ++k)
-      for (int j = 0; j < s.n; ++j) B.SetElem(k, j, bv[static_cast<std::size_t>(k) * s.n + j]);
+    ZRMath_920::ZRRectMatrix Bt(s.n, s.p, true);
+    for (int k = 0; k < s.p; ++k) {
+      for (int j = 0; j < s.n; ++j) {
+        B.SetElem(k, j, bv[static_cast<std::size_t>(k) * s.n + j]);
+        Bt.SetElem(j, k, bv[static_cast<std::size_t>(k) * s.n + j]);
+      }
+    }
     Vec want(static_cast<std::size_t>(s.m) * s.n);
     for (int i = 0; i < s.m; ++i)
       for (int j = 0; j < s.n; ++j) {
@@ -326,12 +331,19 @@ TEST(ZRSimdPaths, MatrixProductMatchesDotProducts) {
       SCOPED_TRACE(ZRMath_920::matrix_detail::SimdPathName(path));
       ForcedPath forced(path);
       ASSERT_TRUE(forced.Ok());
-      ZRMath_920::ZRRectMatrix C;
+      // A B, and A (B')' with B' given: both the same dot products.
+      ZRMath_920::ZRRectMatrix C, D;
       ASSERT_TRUE(A.ComputeMatrixProduct(B, C));
-      Vec got(want.size());
-      for (int i = 0; i < s.m; ++i)
-        for (int j = 0; j < s.n; ++j) got[static_cast<std::size_t>(i) * s.n + j] = C.GetElem(i, j);
+      ASSERT_TRUE(A.ComputeProductMatrixTrans(Bt, D));
+      Vec got(want.size()), gotTrans(want.size());
+      for (int i = 0; i < s.m; ++i) {
+        for (int j = 0; j < s.n; ++j) {
+          got[static_cast<std::size_t>(i) * s.n + j] = C.GetElem(i, j);
+          gotTrans[static_cast<std::size_t>(i) * s.n + j] = D.GetElem(i, j);
+        }
+      }
       EXPECT_TRUE(SameBits(got, want));
+      EXPECT_TRUE(SameBits(gotTrans, want));
     }
   }
 }
