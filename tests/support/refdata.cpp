@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
@@ -18,6 +19,11 @@ double RelErr(double got, double want) {
     return got == want ? 0.0 : std::numeric_limits<double>::infinity();
   const double diff = std::fabs(got - want);
   return want == 0.0 ? diff : diff / std::fabs(want);
+}
+
+double Lre(double got, double want) {
+  const double rel = std::fabs(got - want) / std::fabs(want);
+  return rel == 0.0 ? 16.0 : std::min(16.0, -std::log10(rel));
 }
 
 std::string DataPath(const std::string & relPath) {

@@ -12,6 +12,9 @@ namespace zrtest {
 // either side, or infinities that differ, give +infinity so that a bound always fails.
 double RelErr(double got, double want);
 
+// Digits of agreement: -log10 of |got - want| / |want|, at most 16 (16 when they are equal).
+double Lre(double got, double want);
+
 // One data row of a reference table: the first nIn numbers are inputs, the rest outputs.
 struct RefRow {
   std::string where;  // "file.csv:LINE", for SCOPED_TRACE

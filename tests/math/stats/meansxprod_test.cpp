@@ -232,10 +232,6 @@ TEST(ZRMeansXProductsCompute, NistNumAccDigits) {  // data: tests/data/math/stat
   // (9.46 for NumAcc3, 8.25 for NumAcc4, numacc_cert.csv); the sums of 1001 values cost
   // the mean its last two digits. One pass over raw sums keeps 1 digit of NumAcc3's sd.
   const double floors[4][2] = {{15.0, 15.0}, {14.0, 14.5}, {15.0, 9.4}, {14.0, 8.2}};
-  auto lre = [](double got, double want) {
-    const double rel = std::fabs(got - want) / std::fabs(want);
-    return rel == 0.0 ? 16.0 : std::min(16.0, -std::log10(rel));
-  };
   const auto cert = zrtest::LoadRefTable("math/stats/numacc_cert.csv", 1);
   ASSERT_EQ(cert.size(), 4u);
   for (int set = 0; set < 4; ++set) {
@@ -251,12 +247,12 @@ TEST(ZRMeansXProductsCompute, NistNumAccDigits) {  // data: tests/data/math/stat
     const double n1 = acc.GetNCases() - 1.0;
     const double sd = std::sqrt(acc.GetXProds().GetElem(0) / n1);
     const Vec & c = cert[set].out;  // certified mean, sd; exact mean, sd of the doubles
-    const double lreMean = lre(acc.GetMeans()[0], c[0]), lreSd = lre(sd, c[1]);
+    const double lreMean = zrtest::Lre(acc.GetMeans()[0], c[0]), lreSd = zrtest::Lre(sd, c[1]);
     std::printf(
         "NumAcc%d LRE: mean %.2f, sd %.2f (exact for the doubles: %.2f, %.2f; "
         "one-pass sd %.2f)\n",
-        set + 1, lreMean, lreSd, lre(acc.GetMeans()[0], c[2]), lre(sd, c[3]),
-        lre(std::sqrt(std::fabs(onePass.GetXProds().GetElem(0)) / n1), c[1]));
+        set + 1, lreMean, lreSd, zrtest::Lre(acc.GetMeans()[0], c[2]), zrtest::Lre(sd, c[3]),
+        zrtest::Lre(std::sqrt(std::fabs(onePass.GetXProds().GetElem(0)) / n1), c[1]));
     RecordProperty(name + "_lre_mean", std::to_string(lreMean));
     RecordProperty(name + "_lre_sd", std::to_string(lreSd));
     EXPECT_GE(lreMean, floors[set][0]);

@@ -181,10 +181,6 @@ TEST(ZRMeansXProdDataMergeScale, ManyPartsInAnyOrderMatchTheWhole) {
 TEST(ZRMeansXProdDataMergeScale, NistNumAccKeepTheirDigits) {  // data: numacc*.csv
   // Log relative error (digits) against the certified mean and sd; a merged summary may
   // lose at most one digit against the two-pass summary of the whole set.
-  auto lre = [](double got, double want) {
-    const double rel = std::fabs(got - want) / std::fabs(want);
-    return rel == 0.0 ? 16.0 : std::min(16.0, -std::log10(rel));
-  };
   const auto cert = zrtest::LoadRefTable("math/stats/numacc_cert.csv", 1);
   ASSERT_EQ(cert.size(), 4u);
   for (int set = 0; set < 4; ++set) {
@@ -196,8 +192,9 @@ TEST(ZRMeansXProdDataMergeScale, NistNumAccKeepTheirDigits) {  // data: numacc*.
     ZRMeansXProducts whole(1, true, false, false);
     ASSERT_TRUE(whole.Compute(x, 0));
     auto digits = [&](const ZRMeansXProdData & s, double & mean, double & sd) {
-      mean = lre(s.GetMeans()[0], cert[set].out[0]);
-      sd = lre(std::sqrt(s.GetXProds().GetElem(0) / (s.GetNCases() - 1.0)), cert[set].out[1]);
+      mean = zrtest::Lre(s.GetMeans()[0], cert[set].out[0]);
+      sd = zrtest::Lre(std::sqrt(s.GetXProds().GetElem(0) / (s.GetNCases() - 1.0)),
+                       cert[set].out[1]);
     };
     double mean1 = 0.0, sd1 = 0.0, worstMean = 16.0, worstSd = 16.0;
     digits(whole, mean1, sd1);

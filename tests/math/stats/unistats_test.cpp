@@ -30,15 +30,10 @@ using ZRMath_920::ZRCatStats;
 using ZRMath_920::ZRContStats;
 using ZRXML_920::ZRUniStats;
 using Vec = std::vector<double>;
+using zrtest::Lre;
 constexpr double kEps = 2.220446049250313e-16, kMiss = ZRCommon_920::kSysMisValue;
 const double kNaN = std::numeric_limits<double>::quiet_NaN();
 const double kInf = std::numeric_limits<double>::infinity();
-
-// Digits of agreement (log relative error), at most 16.
-double Lre(double got, double want) {
-  const double rel = std::fabs(got - want) / std::fabs(want);
-  return rel == 0.0 ? 16.0 : std::min(16.0, -std::log10(rel));
-}
 
 TEST(ZRContStatsNist, NumAccDigits) {  // data: tests/data/math/stats/numacc*.csv
   // Certified values are decimals: their representation error bounds sd at 9.46 digits for
